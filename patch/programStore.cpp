@@ -1,0 +1,1 @@
+#include "patch/programStore.h"
