@@ -12,6 +12,7 @@ namespace {
 
 constexpr double kFullScale = 32767.0;
 constexpr double kSineLevel = 0.999;
+constexpr double kSawLevel = 17707.95; // of harmonic 1: the peak of 1023 harmonics rounds to 32767
 constexpr double kLowestHz = 1.021974609375; // frequency of pitch 0
 constexpr double kHighestHarmonicHz = 20050.0;
 constexpr int kMaxHarmonic = kTableSize / 2 - 1;
@@ -74,14 +75,9 @@ void fillSine(ConstantTables& tables)
 
 // The tables share the partial sums of one series. From the highest semitone down each has at
 // least the harmonics of the one above, and its own highest at half level; a table whose limit
-// lies beyond 1023 harmonics has all of them in full. All are scaled by the richest one's peak.
+// lies beyond 1023 harmonics has all of them in full.
 void fillSaws(ConstantTables& tables)
 {
-    Signal richest{};
-    for (int k = 1; k <= kMaxHarmonic; ++k)
-        addHarmonic(richest, k, -1.0 / k);
-    const double gain = kFullScale / peak(richest);
-
     Signal full{}; // harmonics 1..count
     int count = 0;
     for (int semitone = kSemitoneCount - 1; semitone >= 0; --semitone) {
@@ -91,7 +87,7 @@ void fillSaws(ConstantTables& tables)
         Signal saw = full;
         if (limit <= kMaxHarmonic)
             addHarmonic(saw, limit, -0.5 / limit);
-        tables.saw[static_cast<std::size_t>(semitone)] = quantise(saw, gain);
+        tables.saw[static_cast<std::size_t>(semitone)] = quantise(saw, kSawLevel);
     }
 }
 
