@@ -12,8 +12,11 @@ namespace tolm {
 
 namespace {
 
-constexpr int kZeroCrossings = 16; // frames on each side of the sinc
-constexpr double kBandwidth = 1.0; // of the sinc, in halves of the sample rate
+constexpr int kReach = 2080;         // of the sinc to each side, in rows: 16.25 frames
+constexpr double kBandwidth = 1.005; // of the sinc, in halves of the sample rate
+// The step starts this many rows before its pulse. With the reach and bandwidth above this makes
+// row 0 begin 1, 0.9985, 0.9138, 0.3704, -0.2101.
+constexpr std::size_t kLead = 9;
 constexpr std::size_t kTransformSize = 16384;
 constexpr double kMagnitudeFloor = 1e-9; // of the highest: keeps the logarithm finite
 
@@ -24,7 +27,6 @@ double blackman(double t) // -1..1
 
 std::vector<Complex> windowedSinc()
 {
-    constexpr int kReach = kZeroCrossings * kResidualOffsets;
     std::vector<Complex> pulse(kTransformSize);
     for (int i = -kReach; i <= kReach; ++i) {
         const double x = kPi * kBandwidth * i / kResidualOffsets;
@@ -65,8 +67,8 @@ void fillStepResidual(ConstantTables& tables)
     constexpr std::size_t kLength = std::size_t{kResidualFrames} * kResidualOffsets;
     std::array<double, kLength> step{};
     double sum = 0.0;
-    for (std::size_t i = 0; i < kLength; ++i)
-        step[i] = sum += pulse[i].real();
+    for (std::size_t i = kLead; i < kLength; ++i)
+        step[i] = sum += pulse[i - kLead].real();
     for (std::size_t i = 0; i < kLength; ++i)
         tables.stepResidual[i % kResidualOffsets][i / kResidualOffsets] =
             static_cast<float>(1.0 - step[i] / sum);
