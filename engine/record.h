@@ -9,6 +9,7 @@
 
 #include <array>
 #include <atomic>
+#include <cmath>
 #include <cstdint>
 
 namespace tolm {
@@ -45,6 +46,12 @@ struct EnvelopeState {
     EnvelopeStage stage = EnvelopeStage::attack;
 };
 
+// Detune ratios of the fat voices: r, r^a, r^b and their reciprocals.
+struct FatFactors {
+    double factor = 0.0; // r; 0: not computed yet
+    std::array<double, kFatVoices> ratio{};
+};
+
 using FilterState = std::array<float, kFilterStateSize>;
 
 // Values of the previous engine call, from which this call's ramps start. A negative value (for
@@ -61,6 +68,27 @@ struct VoiceRampStarts {
     float cutoff = kNoPrevious;
 };
 
+// Delay memory of the comb filter. Only what was written since the last clear is read.
+inline constexpr int kCombFrames = 8192;
+struct CombLine {
+    std::array<float, kCombFrames> buffer{};
+    std::uint32_t position = 0;
+    int filled = 0; // frames written since the line was cleared
+    float delayFrames = 0.0f;
+
+    float tap(int frames) const
+    {
+        const std::uint32_t at = position - static_cast<std::uint32_t>(frames);
+        return frames <= filled ? buffer[at % kCombFrames] : 0.0f;
+    }
+    void push(float x)
+    {
+        buffer[position] = std::abs(x) < 1e-9f ? 0.0f : x;
+        position = (position + 1) % kCombFrames;
+        filled = filled < kCombFrames ? filled + 1 : filled;
+    }
+};
+
 // What the render keeps of a voice from call to call. Phases are 32-bit turns.
 struct VoiceSlot {
     std::uint32_t osc1Phase = 0;
@@ -70,8 +98,14 @@ struct VoiceSlot {
     std::array<std::array<std::uint32_t, kFatVoices>, kMainOscillators> fatPhase{};
 
     std::array<std::uint32_t, kLfoCount> lfoPhase{};
-    std::array<float, kLfoCount> lfoHeld{};     // last random draw, -1..1
-    std::array<float, kLfoCount> lfoSmoothed{}; // random output
+    std::array<float, kLfoCount> lfoHeld{};              // last random draw, -1..1
+    std::array<float, kLfoCount> lfoSmoothed{};          // random output
+    std::array<std::uint32_t, kLfoCount> lfoIncrement{}; // of the previous call
+
+    // Powers are recomputed only when what they depend on has changed.
+    std::array<FatFactors, kMainOscillators> fat{};
+    double levelExponent = 0.0;
+    double levelFactor = 1.0; // 10^levelExponent
 
     EnvelopeState amp;
     EnvelopeState filter;
@@ -83,9 +117,12 @@ struct VoiceSlot {
     float noiseColoured = 0.0f;
     float followPrevious = 0.0f; // "LP12+Follow" high-pass: last input and output
     float followOutput = 0.0f;
+    float followHz = -1.0f; // corner that the coefficients were computed for
+    float followGain = 0.0f;
+    float followPole = 0.0f;
 
-    bool oneShot = false;         // set by the matrix for the current call
     bool oneShotFinished = false; // oscillator 2 has wrapped once
+    bool syncRingValid = false;   // cleared before the first use after a note-on or a switch-on
     std::uint32_t syncPosition = 0;
     std::array<float, kSyncRingFrames> syncRing{};
 };
@@ -118,6 +155,7 @@ struct LfoSettings {
     float rateHz = 0.1f;
     bool sync = false;
     bool keyReset = false;
+    bool tableStale = true;                    // shape or skew changed since the table was built
     std::array<float, kTableSize + 1> table{}; // -1..1; the last entry repeats the first
 };
 
@@ -134,6 +172,21 @@ struct MatrixRow {
     std::uint8_t destination = 0;
     std::uint8_t voices = 0; // index of the voice-mask table
     double amount = 0.0;     // -1..1
+};
+
+// A row with a source, as the evaluation wants it: from row 24 down to row 1.
+struct ActiveRow {
+    std::uint8_t row = 0; // 0..23
+    std::uint8_t source = 0;
+    std::uint8_t destination = 0; // 0 when unknown
+    std::uint32_t voices = 0;     // bit per stacked voice number
+};
+
+struct ActiveRows {
+    std::array<ActiveRow, kMatrixRows> rows{};
+    int count = 0;
+    bool scalesAmounts = false; // some row has an "MM Amount" destination
+    bool usesModEnvelope = false;
 };
 
 // Two lines that meet at (knee, 1 - knee).
@@ -157,6 +210,7 @@ struct ArpeggiatorState {
     int rangeSemitones = 0; // 0, 12 or 24; kept, read by nothing
     std::array<float, kArpSteps> stepNote{};
     std::array<float, kArpSteps> stepVelocity{};
+    bool gridStale = true; // a step, the length or the swing changed since the grid was built
     std::array<float, kArpTicks> gridNote{}; // 1: nothing happens at this tick
     std::array<float, kArpTicks> gridVelocity{};
 
@@ -240,6 +294,8 @@ struct EngineRecord {
     EnvelopeSettings modEnvelope;
     std::array<LfoSettings, kLfoCount> lfo{};
     std::array<MatrixRow, kMatrixRows> matrix{};
+    ActiveRows activeRows;
+    bool matrixStale = true; // a row changed since the list of active rows was built
     ControllerCurve velocityCurve;
     ControllerCurve wheelCurve;
     ControllerCurve breathCurve;
@@ -256,7 +312,8 @@ struct EngineRecord {
     // Render.
     std::int32_t sampleClock = 0; // frames since the block's start
     std::uint32_t noiseSeed = 1;
-    OnePole noiseFilter; // b0 = -b1 is c1, a1 is c0
+    OnePole noiseFilter;             // b0 = -b1 is c1, a1 is c0
+    float noiseFilterColour = -1.0f; // colour that it was computed for
     Random random;
 
     PerVoice<std::uint32_t> voiceActive{};
@@ -266,6 +323,7 @@ struct EngineRecord {
     PerVoice<std::uint32_t> voiceFilterType{};
     PerVoice<float> voiceRandom{};
     PerVoice<VoiceSlot> slot{};
+    PerVoice<CombLine> combLine{};
 
     RateTables rateTables{};
     PitchTable pitch{}; // Hz; belongs to the instance because a host may retune it
