@@ -1,0 +1,314 @@
+#include "engine/oscillator.h"
+
+#include "engine/syncOscillator.h"
+#include "engine/tableReader.h"
+
+#include <array>
+
+namespace tolm {
+
+namespace {
+
+using SliceBuffer = std::array<float, kMaxSliceFrames>;
+
+constexpr int kOsc1FractionBits = 10;
+constexpr int kOsc2FractionBits = 8;
+constexpr float kFullScale = 32768.0f;
+
+// The six detuned copies of a fat oscillator, read without interpolation.
+template <class Reader>
+struct FatSides {
+    const Reader& reader;
+    std::array<std::uint32_t, kFatVoices>& phase;
+    const std::array<std::uint32_t, kFatVoices>& increment;
+
+    std::int32_t sum(std::uint32_t offset) const
+    {
+        std::int32_t total = 0;
+        for (const std::uint32_t p : phase)
+            total += reader.at(tableIndex(p + offset));
+        return total;
+    }
+    void advance() const
+    {
+        for (std::size_t i = 0; i < phase.size(); ++i)
+            phase[i] += increment[i];
+    }
+};
+
+// Value of a main oscillator at `phase`. A pulse is a saw minus the same saw shifted by the pulse
+// width; both are interpolated with one fraction.
+template <int bits, bool pulse, bool fat, class Reader>
+std::int32_t readOscillator(const Reader& reader, const OscillatorControl& o,
+                            const FatSides<Reader>& sides, std::uint32_t phase)
+{
+    const std::int32_t fraction = tableFraction<bits>(phase);
+    std::int32_t value = reader.template between<bits>(tableIndex(phase), fraction);
+    if constexpr (pulse)
+        value -= reader.template between<bits>(tableIndex(phase + o.pulseOffset), fraction);
+    if constexpr (fat && pulse)
+        // The main term takes its weight twice; the sound of fat pulses depends on it.
+        value = (value * o.mainWeight - sides.sum(o.pulseOffset) * o.sideWeight) / 1024;
+    if constexpr (fat)
+        value = (value * o.mainWeight + sides.sum(0) * o.sideWeight) / 1024;
+    return value;
+}
+
+template <bool pulse, bool fat, class Reader>
+void renderOscillator1(const Reader& reader, const OscillatorControl& o, VoiceSlot& slot,
+                       std::span<float> out)
+{
+    auto sidePhase = slot.fatPhase[0];
+    const FatSides<Reader> sides{reader, sidePhase, o.sideIncrement};
+    std::uint32_t phase = slot.osc1Phase;
+    for (float& sample : out) {
+        sample = static_cast<float>(
+            readOscillator<kOsc1FractionBits, pulse, fat>(reader, o, sides, phase));
+        phase += o.increment;
+        if constexpr (fat)
+            sides.advance();
+    }
+    slot.osc1Phase = phase;
+    slot.fatPhase[0] = sidePhase;
+}
+
+enum class Fm { none, feedback, dual };
+
+// Oscillator 2, modulated by oscillator 1 and itself.
+template <bool pulse, bool fat, Fm fm, bool oneShot, class Reader>
+void renderOscillator2(const Reader& reader, const VoiceControl& control, VoiceSlot& slot,
+                       std::span<const float> osc1, std::span<float> out)
+{
+    const OscillatorControl& o = control.osc[1];
+    auto sidePhase = slot.fatPhase[1];
+    const FatSides<Reader> sides{reader, sidePhase, o.sideIncrement};
+    std::uint32_t phase = slot.osc2Phase;
+    std::uint32_t dualPhase = slot.osc2DualPhase;
+    bool finished = slot.oneShotFinished;
+    for (std::size_t i = 0; i < out.size(); ++i) {
+        const std::uint32_t played = fm == Fm::dual ? dualPhase : phase;
+        auto value = static_cast<float>(
+            readOscillator<kOsc2FractionBits, pulse, fat>(reader, o, sides, played));
+        if constexpr (oneShot)
+            value = finished ? 0.0f : value;
+        std::int64_t increment = o.increment;
+        if constexpr (fm == Fm::feedback)
+            increment = feedbackIncrement(control, static_cast<int>(i), osc1[i], value);
+        if constexpr (fm == Fm::dual)
+            dualPhase += static_cast<std::uint32_t>(
+                dualIncrement(control, static_cast<int>(i), osc1[i], value));
+        if constexpr (oneShot)
+            finished = finished || wraps(phase, increment);
+        phase += static_cast<std::uint32_t>(increment);
+        out[i] = value;
+        if constexpr (fat)
+            sides.advance();
+    }
+    slot.osc2Phase = phase;
+    slot.osc2DualPhase = dualPhase;
+    slot.oneShotFinished = finished;
+    slot.fatPhase[1] = sidePhase;
+}
+
+// ---- Choice of the kernel, once per voice and call ------------------------------------------
+
+// Calls f with a reader and std::bool_constants for pulse and fat.
+template <class F>
+void withShape(const OscillatorControl& o, F f)
+{
+    const auto withFat = [&](auto reader, auto pulse) {
+        if (o.fat)
+            f(reader, pulse, std::true_type{});
+        else
+            f(reader, pulse, std::false_type{});
+    };
+    if (o.shape == OscillatorShape::pulse)
+        withFat(SingleTable{o.table}, std::true_type{});
+    else if (o.shape == OscillatorShape::wavetable && o.blend != 0)
+        withFat(BlendedTables{o.table, o.partner, o.blend}, std::false_type{});
+    else
+        withFat(SingleTable{o.table}, std::false_type{});
+}
+
+template <Fm fm>
+using FmConstant = std::integral_constant<Fm, fm>;
+
+template <class F>
+void withFm(bool on, FmMode mode, F f)
+{
+    if (on && mode == FmMode::feedback)
+        f(FmConstant<Fm::feedback>{});
+    else if (on && mode == FmMode::dual)
+        f(FmConstant<Fm::dual>{});
+    else
+        f(FmConstant<Fm::none>{});
+}
+
+void oscillator2(const EngineRecord& r, VoiceSlot& slot, const VoiceControl& control,
+                 std::span<const float> osc1, std::span<float> out)
+{
+    withShape(control.osc[1], [&](auto reader, auto pulse, auto fat) {
+        withFm(control.fmOn, r.fmMode, [&](auto fm) {
+            if (control.oneShot)
+                renderOscillator2<pulse(), fat(), fm(), true>(reader, control, slot, osc1, out);
+            else
+                renderOscillator2<pulse(), fat(), fm(), false>(reader, control, slot, osc1, out);
+        });
+    });
+}
+
+// ---- Sub oscillator and noise: what both put beside the main oscillators ---------------------
+
+bool renderOscillator3(VoiceSlot& slot, const VoiceControl& control, std::span<float> side)
+{
+    if (control.osc3Level.isZero()) {
+        slot.osc3Phase += control.osc3Increment * static_cast<std::uint32_t>(side.size());
+        return false;
+    }
+    const SingleTable reader{control.osc3Table};
+    for (std::size_t i = 0; i < side.size(); ++i) {
+        const std::int32_t value = reader.between<kOsc2FractionBits>(
+            tableIndex(slot.osc3Phase), tableFraction<kOsc2FractionBits>(slot.osc3Phase));
+        side[i] =
+            static_cast<float>(value) * control.osc3Level.at(static_cast<int>(i)) / kFullScale;
+        slot.osc3Phase += control.osc3Increment;
+    }
+    return true;
+}
+
+// The generator's state after n steps: seed * multiplier[n] + increment[n].
+struct NoiseJump {
+    std::array<std::uint32_t, kMaxSliceFrames + 1> multiplier{};
+    std::array<std::uint32_t, kMaxSliceFrames + 1> increment{};
+};
+
+constexpr NoiseJump kNoiseJump = [] {
+    NoiseJump jump;
+    jump.multiplier[0] = 1;
+    for (std::size_t n = 1; n <= kMaxSliceFrames; ++n) {
+        jump.multiplier[n] = jump.multiplier[n - 1] * kLcgMultiplier;
+        jump.increment[n] = jump.increment[n - 1] * kLcgMultiplier + kLcgIncrement;
+    }
+    return jump;
+}();
+
+bool renderNoise(EngineRecord& r, VoiceSlot& slot, const VoiceControl& control,
+                 std::span<float> side, bool add)
+{
+    const bool silent =
+        control.noiseLevel.isZero() && slot.noisePrevious == 0.0f && slot.noiseColoured == 0.0f;
+    if (silent) {
+        r.noiseSeed =
+            r.noiseSeed * kNoiseJump.multiplier[side.size()] + kNoiseJump.increment[side.size()];
+        return false;
+    }
+    const OnePole& filter = control.noiseFilter;
+    std::uint32_t seed = r.noiseSeed;
+    float previous = slot.noisePrevious;
+    float coloured = slot.noiseColoured;
+    for (std::size_t i = 0; i < side.size(); ++i) {
+        seed = seed * kLcgMultiplier + kLcgIncrement;
+        const auto white = static_cast<float>(static_cast<std::int16_t>(seed >> 16));
+        const float noise = white * control.noiseLevel.at(static_cast<int>(i)) / kFullScale;
+        coloured = filter.b0 * (noise - previous) - filter.a1 * coloured;
+        previous = noise;
+        side[i] = add ? side[i] + coloured : coloured;
+    }
+    r.noiseSeed = seed;
+    slot.noisePrevious = previous;
+    slot.noiseColoured = flushTiny(coloured);
+    return true;
+}
+
+// ---- Mix ------------------------------------------------------------------------------------
+
+void mixMain(const VoiceControl& c, const SliceBuffer& osc1, const SliceBuffer& osc2,
+             std::span<float> out)
+{
+    for (std::size_t i = 0; i < out.size(); ++i) {
+        const float m = c.oscMix.at(static_cast<int>(i));
+        out[i] = (osc2[i] * m + osc1[i] * (1.0f - m)) * (1.0f / kFullScale);
+    }
+}
+
+void mixRing(const VoiceControl& c, const SliceBuffer& osc1, const SliceBuffer& osc2,
+             std::span<float> out)
+{
+    for (std::size_t i = 0; i < out.size(); ++i) {
+        const float ring = c.ringMod.at(static_cast<int>(i));
+        const float product = osc1[i] * osc2[i] * (1.0f / (kFullScale * kFullScale));
+        out[i] = (1.0f - ring) * out[i] + ring * product;
+    }
+}
+
+void mixSplit(const VoiceControl& c, const SliceBuffer& osc1, const SliceBuffer& osc2,
+              const OscillatorOutput& out)
+{
+    for (std::size_t i = 0; i < out.voice.size(); ++i) {
+        const float m = c.oscMix.at(static_cast<int>(i));
+        out.voice[i] = osc1[i] * (1.0f - m) * (1.0f / kFullScale);
+        out.split[i] = osc2[i] * m * (1.0f / kFullScale);
+    }
+}
+
+void addSide(const SliceBuffer& side, std::span<float> out)
+{
+    for (std::size_t i = 0; i < out.size(); ++i)
+        out[i] += side[i];
+}
+
+void writeCutoffFm(const VoiceControl& c, const SliceBuffer& osc1, const SliceBuffer& osc2,
+                   std::span<float> out)
+{
+    for (std::size_t i = 0; i < out.size(); ++i)
+        out[i] =
+            c.fm1.at(static_cast<int>(i)) * osc1[i] * (1.0f / 128.0f) + osc2[i] * c.fm2 * 0.25f;
+}
+
+} // namespace
+
+bool modulatesCutoff(const EngineRecord& r, const VoiceControl& control)
+{
+    return control.fmOn && r.fmMode == FmMode::filter;
+}
+
+void renderOscillators(EngineRecord& r, std::size_t voice, const VoiceControl& control,
+                       bool splitFilter, const OscillatorOutput& out)
+{
+    const std::size_t frames = out.voice.size();
+    VoiceSlot& slot = r.slot[voice];
+    SliceBuffer osc1;
+    SliceBuffer osc2;
+    SliceBuffer side;
+    const std::span osc1Span(osc1.data(), frames);
+    const std::span osc2Span(osc2.data(), frames);
+    const std::span sideSpan(side.data(), frames);
+
+    const std::uint32_t syncPhase = slot.osc1Phase;
+    withShape(control.osc[0], [&](auto reader, auto pulse, auto fat) {
+        renderOscillator1<pulse(), fat()>(reader, control.osc[0], slot, osc1Span);
+    });
+    if (r.oscSync) {
+        renderSyncedOscillator2(r.fmMode, control, slot, syncPhase, osc1Span, osc2Span);
+    } else {
+        slot.syncRingValid = false;
+        oscillator2(r, slot, control, osc1Span, osc2Span);
+    }
+
+    bool hasSide = renderOscillator3(slot, control, sideSpan);
+    hasSide = renderNoise(r, slot, control, sideSpan, hasSide) || hasSide;
+
+    if (splitFilter) {
+        mixSplit(control, osc1, osc2, out);
+    } else {
+        mixMain(control, osc1, osc2, out.voice);
+        if (!control.ringMod.isZero())
+            mixRing(control, osc1, osc2, out.voice);
+    }
+    if (hasSide)
+        addSide(side, splitFilter ? out.split : out.voice);
+    if (modulatesCutoff(r, control))
+        writeCutoffFm(control, osc1, osc2, out.cutoffFm);
+}
+
+} // namespace tolm
