@@ -7,6 +7,7 @@
 
 #include "engine/EngineOwner.h"
 #include "engine/record.h"
+#include "engine/render.h"
 #include "fx/Module.h"
 #include "fx/effectChain.h"
 #include "patch/programStore.h"
@@ -37,8 +38,8 @@ public:
     void setSampleRate(double hz);
 
     // Key 0..127, velocity 1..127, one bit of `mask` per stacked voice.
-    void noteOn(int key, int velocity, std::uint32_t mask, std::uint32_t extra);
-    void noteOff(int key, int velocity, std::uint32_t mask);
+    void noteOn(int key, int velocity, std::uint32_t mask);
+    void noteOff(int key, std::uint32_t mask);
     // Moves the masked voices to `key`; no envelope is touched.
     void retuneVoices(int key, std::uint32_t mask);
     // Silences everything at once and clears the memories of the effects.
@@ -53,17 +54,13 @@ public:
     void setEngineParameter(int id, float value);
 
     // One host block: startBlock, runArpeggiator when it is on, renderVoices slice by slice,
-    // endRender, updateGlobalModulation, the effects, advanceDelayModulation, applyOutputStage,
-    // endBlock.
+    // updateGlobalModulation, the effects, advanceDelayModulation, applyOutputStage, endBlock.
     void startBlock(int frames);
     // Advances the pattern over the block and appends its notes to the owner's queue.
     void runArpeggiator(int frames);
     // Renders 1..64 frames into both stereo buses, which are cleared first. False when no voice
     // sounded. With `replace` off the effects bus is added to instead.
     bool renderVoices(int frames, float* const* effectsBus, float* const* bypassBus, bool replace);
-    // `lastSlice` is the length of the last sub-block when the rest of the block after the last
-    // event was a single one, else 0.
-    void endRender(int lastSlice);
     // Once per block after the voices: controller curves and the delay's LFO.
     void updateGlobalModulation();
     const DelayModulation& delayModulation() const;
@@ -75,6 +72,7 @@ public:
 private:
     EngineOwner& owner_;
     std::unique_ptr<EngineRecord> record_;
+    std::unique_ptr<RenderScratch> scratch_;
     ProgramStore programs_;
     EffectChain effects_;
 };
