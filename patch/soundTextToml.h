@@ -1,0 +1,37 @@
+#pragma once
+// The TOML parser, set up to return its errors, and what both readers of texts do with it.
+
+#define TOML_EXCEPTIONS 0
+#include <toml++/toml.h>
+
+#include "patch/soundText.h"
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+
+namespace tolm {
+
+inline SoundTextError errorAt(const std::string& file, const toml::node& node, std::string_view key,
+                              std::string message)
+{
+    return {file, static_cast<int>(node.source().begin.line), std::string(key), std::move(message)};
+}
+
+// The whole text as a table, or the parser's complaint.
+inline SoundTextStatus parseToml(std::string_view text, const std::string& file, toml::table& table)
+{
+    toml::parse_result result = toml::parse(text, file);
+    if (!result) {
+        const toml::parse_error& error = result.error();
+        // The parser reports bytes of the text as they are: keep the message on one clean line.
+        std::string message(error.description());
+        std::replace_if(
+            message.begin(), message.end(), [](char c) { return c < ' ' || c > '~'; }, '?');
+        return SoundTextError{file, static_cast<int>(error.source().begin.line), {}, message};
+    }
+    table = std::move(result).table();
+    return {};
+}
+
+} // namespace tolm
