@@ -151,7 +151,7 @@ TEST(Waves, loudnessHoldsWhereTheNextOctaveTableTakesOver)
 {
     for (int wave = 0; wave < kWaveCount; ++wave)
         for (int octave = 1; octave < kWaveOctaves; ++octave) {
-            // A table below whose limit lies no harmonic of the note is only read above key 127.
+            // Tables that hold no harmonic of the note are only read far above key 127.
             if (cycles(wave) > binLimit(wave, octave))
                 continue;
             const double binHz = keyHz(48 + 12 * octave);

@@ -14,28 +14,27 @@ struct Place {
     double noteHz;
 };
 
-using Family = void (*)(Spectrum& out, const Numbers& p, const Place& place);
+using Family = void(Spectrum& out, const Numbers& p, const Place& place);
 
-void slopeFamily(Spectrum& out, const Numbers& p, const Place&); // exponent
-void oddFamily(Spectrum& out, const Numbers& p, const Place&); // exponent, flat up to, alternating
-void pulseFamily(Spectrum& out, const Numbers& p, const Place&);     // duty cycle
-void partialsFamily(Spectrum& out, const Numbers& p, const Place&);  // pairs of bin and level
-void formantFamily(Spectrum& out, const Numbers& p, const Place&);   // pairs of Hz and bandwidth
-void quantisedFamily(Spectrum& out, const Numbers& p, const Place&); // levels of a stepped sine
-void heldFamily(Spectrum& out, const Numbers& p, const Place&);      // time steps of a held sine
-void foldedFamily(Spectrum& out, const Numbers& p, const Place&);    // drive into a sine fold
-void fmFamily(Spectrum& out, const Numbers& p, const Place&);        // modulator ratio, index
-void reedFamily(Spectrum& out, const Numbers& p, const Place&);      // exponent, first full even
-void notchedFamily(Spectrum& out, const Numbers& p, const Place&);   // exponent, up to four notches
-void humpFamily(Spectrum& out, const Numbers& p, const Place&);      // centre bin, width in octaves
-void windowedFamily(Spectrum& out, const Numbers& p, const Place&);  // turns under a falling window
-void pluckedFamily(Spectrum& out, const Numbers& p, const Place&);   // plucked at, heard at
-void bellFamily(Spectrum& out, const Numbers& p, const Place&);      // pairs of ratio and level
-void breathFamily(Spectrum& out, const Numbers& p, const Place&);    // exponent, spread
-void airFamily(Spectrum& out, const Numbers& p, const Place&);       // as breath; formants from [2]
-void growlFamily(Spectrum& out, const Numbers& p,
-                 const Place&); // exponent, near and far side level
-void denseFamily(Spectrum& out, const Numbers& p, const Place&); // exponent, first bin
-void windFamily(Spectrum& out, const Numbers& p, const Place&);  // width in octaves
+Family slopeFamily;     // exponent
+Family oddFamily;       // exponent, flat up to, alternating
+Family pulseFamily;     // duty cycle
+Family partialsFamily;  // pairs of bin and level
+Family formantFamily;   // pairs of Hz and bandwidth
+Family quantisedFamily; // levels of a stepped sine
+Family heldFamily;      // time steps of a held sine
+Family foldedFamily;    // drive into a sine fold
+Family fmFamily;        // modulator ratio, index
+Family reedFamily;      // exponent, first full even
+Family notchedFamily;   // exponent, up to four notches
+Family humpFamily;      // centre bin, width in octaves
+Family windowedFamily;  // turns under a falling window
+Family pluckedFamily;   // plucked at, heard at
+Family bellFamily;      // pairs of ratio and level
+Family breathFamily;    // exponent, spread
+Family airFamily;       // as breath; formants from [2]
+Family growlFamily;     // exponent, levels of near and far side bins
+Family denseFamily;     // exponent, first bin
+Family windFamily;      // width in octaves
 
 } // namespace tolm

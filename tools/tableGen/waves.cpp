@@ -15,7 +15,7 @@ namespace {
 
 struct WaveRow {
     const char* name;
-    Family family;
+    Family* family;
     Numbers p;
 };
 
