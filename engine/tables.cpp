@@ -11,9 +11,6 @@ namespace {
 constexpr double kHighestCutoffHz = 22000.0; // at index kCutoffScale
 constexpr double kCutoffRange = 2200.0;      // ratio of that to index 0
 constexpr double kNyquistMargin = 0.49; // of the sample rate: corners stay below the pole of tan
-// The state-variable section is stable while f^2 + 2 q f < 4, so with the full damping q = 1 up to
-// 1.236. At 40 kHz and above no index that it reads comes near the limit.
-constexpr double kSvfLimit = 1.2;
 constexpr double kShortestTimeMs = 2.0;
 constexpr double kTimeRange = 10000.0;
 
@@ -31,8 +28,10 @@ void buildCutoffTables(RateTables& tables, double sampleRateHz)
     for (std::size_t i = 0; i < kCutoffEntries; ++i) {
         const double position = static_cast<double>(i) / kCutoffScale - 1.0;
         const double hz = kHighestCutoffHz * std::pow(kCutoffRange, position);
-        const double svf = 2.0 * std::sin(kPi * std::min(hz / (3.0 * sampleRateHz), 0.5));
-        tables.svf[i] = static_cast<float>(std::min(svf, kSvfLimit));
+        // Never negative, even at rates of a few kHz; what is too high to be stable at low rates is
+        // limited where the damping is known.
+        const double svf = 2.0 * std::sin(kPi * std::min(hz / (3.0 * sampleRateHz), 1.0));
+        tables.svf[i] = static_cast<float>(svf);
 
         const double k = twice * std::tan(kPi * std::min(hz / sampleRateHz, kNyquistMargin));
         tables.onePoleGain[i] = static_cast<float>(k / (k + twice));
