@@ -3,12 +3,14 @@
 #include "host/CommandLine.h"
 
 #include "host/Failure.h"
+#include "host/textNumbers.h"
 
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <iostream>
 #include <map>
+#include <sstream>
 
 namespace tolm {
 namespace {
@@ -21,15 +23,10 @@ constexpr double kMinBpm = 1.0;
 constexpr double kMaxBpm = 1000.0;
 constexpr double kMaxGainDb = 60.0;
 
-const std::map<std::string, Container> kContainers = {
-    {"wav",  Container::wav },
-    {"flac", Container::flac}
-};
+const std::map<std::string, Container> kContainers = {{"wav", Container::wav},
+                                                      {"flac", Container::flac}};
 const std::map<std::string, SampleFormat> kSampleFormats = {
-    {"16",  SampleFormat::pcm16  },
-    {"24",  SampleFormat::pcm24  },
-    {"32f", SampleFormat::float32}
-};
+    {"16", SampleFormat::pcm16}, {"24", SampleFormat::pcm24}, {"32f", SampleFormat::float32}};
 
 template <class Value>
 Value choice(const std::map<std::string, Value>& table, const std::string& key,
@@ -49,6 +46,20 @@ std::string defaultPlugin()
     std::error_code ignored;
     return (std::filesystem::read_symlink("/proc/self/exe", ignored).parent_path() / "Tolm.so")
         .string();
+}
+
+// Other than the library's own check this one refuses "nan".
+CLI::Validator between(double low, double high)
+{
+    std::ostringstream range;
+    range << low << ".." << high;
+    return CLI::Validator(
+        [=, text = range.str()](std::string& input) -> std::string {
+            const auto value = decimalNumber(input);
+            const bool inside = value && *value >= low && *value <= high;
+            return inside ? "" : tolm::quoted(input) + " is not within " + text;
+        },
+        range.str());
 }
 
 struct FormatTexts {
@@ -77,17 +88,17 @@ void addOptions(CLI::App& app, Options& o, FormatTexts& format)
                    "Notes instead of a song: \"C4 0.5, E4+G4@100 1, R 0.5\" (keys, @velocity, "
                    "length in beats; C4 is middle C)");
     app.add_option("--bpm", o.bpm, "Tempo instead of the song's own")
-        ->check(CLI::Range(kMinBpm, kMaxBpm));
+        ->check(between(kMinBpm, kMaxBpm));
     app.add_option("--tail", o.tailSeconds, "Seconds to render after the last note")
-        ->check(CLI::Range(0.0, kMaxTailSeconds))
+        ->check(between(0.0, kMaxTailSeconds))
         ->capture_default_str();
     app.add_option("--gain", o.gainDb, "Level change in dB")
-        ->check(CLI::Range(-kMaxGainDb, kMaxGainDb));
+        ->check(between(-kMaxGainDb, kMaxGainDb));
     app.add_option("--rate", o.format.sampleRateHz, "Sample rate in Hz")
-        ->check(CLI::Range(kMinRateHz, kMaxRateHz))
+        ->check(between(kMinRateHz, kMaxRateHz))
         ->capture_default_str();
     app.add_option("--block", o.blockFrames, "Frames per block")
-        ->check(CLI::Range(1, kMaxBlockFrames))
+        ->check(between(1, kMaxBlockFrames))
         ->capture_default_str();
     app.add_option("--format", format.container, "wav or flac (default: by the output's name)");
     app.add_option("--bits", format.bits, "16, 24 or 32f")->capture_default_str();
