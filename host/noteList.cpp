@@ -2,10 +2,7 @@
 
 #include "host/Failure.h"
 #include "host/Song.h"
-#include "host/textNumbers.h"
-
-#include <cctype>
-#include <optional>
+#include "host/keyName.h"
 
 namespace tolm {
 namespace {
@@ -14,27 +11,6 @@ constexpr std::uint8_t kNoteOff = 0x80;
 constexpr std::uint8_t kNoteOn = 0x90;
 constexpr int kDefaultVelocity = 100;
 constexpr double kMaxBeats = 100000.0;
-
-// Key number of a name such as "C4" (60), "F#3" or "Bb-1".
-std::optional<int> keyFromName(std::string_view name)
-{
-    constexpr std::string_view kLetters = "C.D.EF.G.A.B"; // at their semitones
-    if (name.empty())
-        return std::nullopt;
-    const char letter = static_cast<char>(std::toupper(static_cast<unsigned char>(name[0])));
-    const std::size_t semitone = kLetters.find(letter);
-    if (letter == '.' || semitone == std::string_view::npos)
-        return std::nullopt;
-    name.remove_prefix(1);
-    int key = static_cast<int>(semitone);
-    for (; !name.empty() && (name[0] == '#' || name[0] == 'b'); name.remove_prefix(1))
-        key += name[0] == '#' ? 1 : -1;
-    const std::optional<int> octave = wholeNumber(name);
-    if (!octave || *octave < -1 || *octave > 9)
-        return std::nullopt;
-    key += 12 * (*octave + 1);
-    return key >= 0 && key <= 127 ? std::optional(key) : std::nullopt;
-}
 
 std::uint8_t keyOrFail(std::string_view name)
 {
@@ -68,12 +44,8 @@ double addEntry(std::string_view entry, double start, Track& track)
     std::vector<TimedMessage> releases;
     for (const std::string_view name : split(keys, '+')) {
         const std::uint8_t key = keyOrFail(name);
-        track.messages.push_back({
-            start, {kNoteOn, key, static_cast<std::uint8_t>(velocity)}
-        });
-        releases.push_back({
-            start + *beats, {kNoteOff, key, 0}
-        });
+        track.messages.push_back({start, {kNoteOn, key, static_cast<std::uint8_t>(velocity)}});
+        releases.push_back({start + *beats, {kNoteOff, key, 0}});
     }
     track.messages.insert(track.messages.end(), releases.begin(), releases.end());
     return *beats;
