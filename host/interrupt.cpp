@@ -22,7 +22,7 @@ void catchInterrupts()
 {
     struct sigaction action {};
     action.sa_handler = noteInterrupt;
-    action.sa_flags = SA_RESETHAND; // a second one ends the program at once
+    action.sa_flags = static_cast<int>(SA_RESETHAND); // a second one ends the program at once
     sigaction(SIGINT, &action, nullptr);
     sigaction(SIGTERM, &action, nullptr);
 }

@@ -14,6 +14,7 @@ namespace tolm {
 namespace {
 
 constexpr std::size_t kMaxFileBytes = std::size_t{16} << 20;
+constexpr std::size_t kReadBytes = 64 << 10;
 constexpr double kMaxSeconds = 24.0 * 3600.0;
 constexpr double kMicrosecondsPerMinute = 60e6;
 
@@ -151,9 +152,7 @@ void Reader::readTrack(Bytes chunk)
         } else if (first >= 0x80 && first < 0xF0) {
             status = first; // following messages of this kind may leave it out
             const bool oneByte = (first & 0xE0) == 0xC0;
-            TimedMessage message{
-                quarter, {first, chunk.dataByte(), 0}
-            };
+            TimedMessage message{quarter, {first, chunk.dataByte(), 0}};
             if (!oneByte)
                 message.bytes[2] = chunk.dataByte();
             track.messages.push_back(message);
@@ -209,9 +208,12 @@ Song readMidiFile(const std::filesystem::path& path)
     std::ifstream file(path, std::ios::binary);
     if (!file)
         throw Failure("cannot open the MIDI file " + quoted(path.string()));
-    std::vector<std::uint8_t> bytes(kMaxFileBytes + 1);
-    file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    bytes.resize(static_cast<std::size_t>(file.gcount()));
+    std::vector<std::uint8_t> bytes;
+    for (std::size_t size = 0; file && size <= kMaxFileBytes; size = bytes.size()) {
+        bytes.resize(size + kReadBytes);
+        file.read(reinterpret_cast<char*>(bytes.data()) + size, kReadBytes);
+        bytes.resize(size + static_cast<std::size_t>(file.gcount()));
+    }
     if (bytes.size() > kMaxFileBytes)
         throw Failure(quoted(path.string()) + " is too large for a MIDI file");
     try {

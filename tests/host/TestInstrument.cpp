@@ -143,7 +143,9 @@ void takeEvents(Instrument& instrument, const VstEvents& list)
 {
     for (int i = 0; i < list.numEvents; ++i) {
         const VstEvent* event = nullptr;
-        std::memcpy(&event, reinterpret_cast<const char*>(&list.events) + i * sizeof event,
+        std::memcpy(&event,
+                    reinterpret_cast<const char*>(&list.events) +
+                        static_cast<std::size_t>(i) * sizeof event,
                     sizeof event);
         instrument.fault(event->type != kVstMidiType);
         VstMidiEvent midi;
