@@ -14,11 +14,7 @@ static_assert(std::endian::native == std::endian::little, "records are kept in f
 static_assert(std::atomic_ref<float>::is_always_lock_free);
 
 // A bank's last eleven places, the initial patch among them, keep the order of the factory bank.
-constexpr int kSortedGroups[][2] = {
-    {0,   128},
-    {128, 256},
-    {256, 373}
-};
+constexpr int kSortedGroups[][2] = {{0, 128}, {128, 256}, {256, 373}};
 constexpr int kInitProgram = kProgramCount - 1;
 
 template <std::size_t size>

@@ -72,10 +72,13 @@ double engineAmount(float stored)
 
 float storedAmount(double amount)
 {
+    // Steps away from the centre that change 2v - 1 by at most a step of its own: above 0.5 floats
+    // are that far apart, below they are finer than the sum can tell.
+    constexpr float kStep = 0x1p-25f;
     const float end = amount < 0.0 ? 0.0f : 1.0f;
     float stored = std::clamp(static_cast<float>((amount + 1.0) / 2.0), 0.0f, 1.0f);
     while (stored != end && !reaches(engineAmount(stored), amount))
-        stored = std::nextafter(stored, end);
+        stored = amount < 0.0 ? std::max(0.0f, stored - kStep) : std::nextafter(stored, end);
     return stored;
 }
 

@@ -108,13 +108,13 @@ float stepCountValue(int steps)
 }
 
 constexpr CountField kCounts[] = {
-    {kOsc1Coarse,   "",      " st",     -36,           36,             coarseValue   },
-    {kOsc2Coarse,   "",      " st",     -36,           36,             coarseValue   },
-    {kOsc1Wave,     "wave ", "",        0,             kWaveCount - 1, waveValue     },
-    {kOsc2Wave,     "wave ", "",        0,             kWaveCount - 1, waveValue     },
-    {kVoices,       "",      " voices", 1,             kMaxStack,      voicesValue   },
-    {kPolyphony,    "",      " voices", kMinPolyphony, kVoiceCount,    polyphonyValue},
-    {kArpStepCount, "",      " steps",  1,             kArpSteps,      stepCountValue},
+    {kOsc1Coarse, "", " st", -36, 36, coarseValue},
+    {kOsc2Coarse, "", " st", -36, 36, coarseValue},
+    {kOsc1Wave, "wave ", "", 0, kWaveCount - 1, waveValue},
+    {kOsc2Wave, "wave ", "", 0, kWaveCount - 1, waveValue},
+    {kVoices, "", " voices", 1, kMaxStack, voicesValue},
+    {kPolyphony, "", " voices", kMinPolyphony, kVoiceCount, polyphonyValue},
+    {kArpStepCount, "", " steps", 1, kArpSteps, stepCountValue},
 };
 
 struct MenuField {
@@ -122,9 +122,9 @@ struct MenuField {
     std::span<const MenuEntry> menu;
 };
 constexpr MenuField kMenus[] = {
-    {kFmMode,     kFmModeMenu },
-    {kArpMode,    kArpModeMenu},
-    {kFilterType, kFilterMenu },
+    {kFmMode, kFmModeMenu},
+    {kArpMode, kArpModeMenu},
+    {kFilterType, kFilterMenu},
 };
 
 // The row of a parameter, or null.

@@ -245,13 +245,13 @@ struct SpecialKey {
     bool (*read)(Reader&, std::string_view key, const toml::node&);
 };
 constexpr SpecialKey kSpecialKeys[] = {
-    {"name",                   readName                   },
-    {"description",            readDescription            },
-    {"matrix",                 readMatrix                 },
-    {"Arp notes",              readSteps<kArpNote1,         readStepNote>},
-    {"Arp second notes",                        readSteps<kArpVelocity1,                                  readStepNote>},
-    {"Arp velocities",           readSteps<kArpVelocity1,     readStepVelocity>},
-    {"Effect order",readEffectOrder},
+    {"name", readName},
+    {"description", readDescription},
+    {"matrix", readMatrix},
+    {"Arp notes", readSteps<kArpNote1, readStepNote>},
+    {"Arp second notes", readSteps<kArpVelocity1, readStepNote>},
+    {"Arp velocities", readSteps<kArpVelocity1, readStepVelocity>},
+    {"Effect order", readEffectOrder},
 };
 
 bool readEntry(Reader& r, std::string_view key, const toml::node& node)
