@@ -1,0 +1,232 @@
+// Rules that every factory program keeps, read from the embedded bank.
+
+#include "patch/programStore.h"
+#include "patch/soundText.h"
+
+#include "plugin/catalogue.h"
+#include "plugin/menus.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace tolm {
+namespace {
+
+struct Factory {
+    ProgramStore store;
+
+    float value(int program, int id) const { return store.value(program, id); }
+    bool isFree(int program) const { return store.name(program).starts_with("- Init "); }
+};
+
+template <class Check>
+void forEachSound(const Factory& factory, Check check)
+{
+    for (int program = 0; program < kProgramCount; ++program) {
+        if (factory.isFree(program))
+            continue;
+        SCOPED_TRACE(std::string(factory.store.name(program)));
+        check(program);
+    }
+}
+
+bool knows(std::span<const MenuEntry> menu, float value)
+{
+    const int id = static_cast<int>(value);
+    return static_cast<float>(id) == value && menuName(menu, id) != nullptr;
+}
+
+TEST(FactoryBank, namesAreCleanUniqueAndInOrder)
+{
+    const Factory factory;
+    std::set<std::string> seen;
+    forEachSound(factory, [&](int program) {
+        const std::string_view name = factory.store.name(program);
+        EXPECT_GE(name.size(), 4u);
+        EXPECT_LE(name.size(), 23u);
+        EXPECT_TRUE(std::isupper(static_cast<unsigned char>(name.front())));
+        std::string lower(name);
+        std::transform(lower.begin(), lower.end(), lower.begin(),
+                       [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+        EXPECT_TRUE(seen.insert(lower).second);
+        const std::string_view description = factory.store.description(program);
+        EXPECT_GE(description.size(), 40u);
+        EXPECT_LE(description.size(), 160u);
+    });
+    EXPECT_EQ(factory.store.name(383), "Init Patch");
+    EXPECT_EQ(factory.value(0, kPatchCategory), 5.0f); // the first program is a keyboard
+    for (int program = 373; program < 383; ++program) {
+        const std::string_view name = factory.store.name(program);
+        EXPECT_TRUE(name.starts_with("Template ") || factory.isFree(program)) << name;
+    }
+}
+
+TEST(FactoryBank, valuesAndChoicesExist)
+{
+    const Factory factory;
+    forEachSound(factory, [&](int program) {
+        for (int id = 0; id < kModSource1; ++id)
+            if (id != kArpMode && id != kFilterType && id != kFmMode) {
+                EXPECT_TRUE(factory.value(program, id) >= 0.0f &&
+                            factory.value(program, id) <= 1.0f)
+                    << kCatalogue[id].name;
+            }
+        EXPECT_TRUE(knows(kFilterMenu, factory.value(program, kFilterType)));
+        EXPECT_TRUE(knows(kArpModeMenu, factory.value(program, kArpMode)));
+        EXPECT_TRUE(knows(kFmModeMenu, factory.value(program, kFmMode)));
+        EXPECT_EQ(factory.value(program, kModWheel), 0.0f);
+        const float category = factory.value(program, kPatchCategory);
+        EXPECT_TRUE(category >= (program == 383 ? 0.0f : 1.0f) && category <= 13.0f);
+    });
+}
+
+TEST(FactoryBank, matrixRowsAreWholeOrZeroed)
+{
+    const Factory factory;
+    forEachSound(factory, [&](int program) {
+        for (int row = 0; row < kStoredMatrixRows; ++row) {
+            SCOPED_TRACE(row + 1);
+            const float source = factory.value(program, kModSource1 + row);
+            const float destination = factory.value(program, kModDestination1 + row);
+            EXPECT_TRUE(knows(kSourceMenu, source));
+            EXPECT_TRUE(knows(kDestinationMenu, destination));
+            EXPECT_EQ(source == 0.0f, destination == 0.0f);
+            EXPECT_EQ(source == 0.0f, factory.value(program, kModAmount1 + row) == 0.5f);
+            if (source == 0.0f) {
+                EXPECT_EQ(factory.value(program, kModVoices1 + row), 0.0f);
+            }
+        }
+    });
+}
+
+// A row that works for any wheel product counts for the wheel.
+bool listens(const Factory& factory, int program, std::initializer_list<int> sources)
+{
+    for (int row = 0; row < kMatrixRows; ++row)
+        for (const int source : sources)
+            if (factory.value(program, kModSource1 + row) == static_cast<float>(source))
+                return true;
+    return false;
+}
+
+TEST(FactoryBank, soundsAnswerToTheHands)
+{
+    const Factory factory;
+    int sounds = 0;
+    int wheel = 0;
+    int pressure = 0;
+    forEachSound(factory, [&](int program) {
+        if (factory.store.name(program).starts_with("Template") || program == 383)
+            return;
+        EXPECT_TRUE(listens(factory, program, {1})) << "velocity";
+        ++sounds;
+        wheel += listens(factory, program, {3, 16, 17, 18});
+        pressure += listens(factory, program, {5, 19, 20, 21});
+    });
+    EXPECT_GE(wheel, sounds * 98 / 100);
+    EXPECT_GE(pressure, sounds * 70 / 100);
+}
+
+TEST(FactoryBank, effectsThatAreOnAreHeard)
+{
+    const struct {
+        int switchId, amountId;
+        float silent;
+    } effects[] = {{kPhaserOn, 83, 0.0f},        {kDelayOn, 88, 0.0f},
+                   {kReverbOn, 94, 0.0f},        {kDistOn, kDistAmount, 0.0f},
+                   {kEq1On, kEq1Type + 3, 0.5f}, {kEq2On, kEq2Gain, 0.5f}};
+    const Factory factory;
+    std::array<int, 6> used{};
+    forEachSound(factory, [&](int program) {
+        for (std::size_t i = 0; i < std::size(effects); ++i)
+            if (factory.value(program, effects[i].switchId) > 0.0f) {
+                EXPECT_NE(factory.value(program, effects[i].amountId), effects[i].silent) << i;
+                ++used[i];
+            }
+    });
+    EXPECT_THAT(used, ::testing::Each(::testing::Gt(0)));
+}
+
+TEST(FactoryBank, initialPatchIsNeutral)
+{
+    const Factory factory;
+    for (const int id : {kOsc1Coarse, kOsc1Fine, kOsc2Coarse, kOsc2Fine})
+        EXPECT_EQ(factory.value(383, id), 0.5f);
+    EXPECT_EQ(factory.value(383, kFilterCutoff), 1.0f);
+    EXPECT_EQ(factory.value(383, kModSource1), 1.0f);
+    EXPECT_EQ(factory.value(383, kModDestination1), 3.0f);
+    EXPECT_EQ(factory.value(383, kModAmount1), 1.0f);
+    EXPECT_EQ(factory.value(383, kArpSync), 1.0f);
+    for (int id = kArpOn; id <= kEq2On; ++id)
+        EXPECT_EQ(factory.value(383, id), 0.0f) << kCatalogue[id].name;
+}
+
+TEST(FactoryBank, theStoredMarksAreAboutASixth)
+{
+    // The store strips them, so count them in the image that it was filled from.
+    int marks = 0;
+    int sounds = 0;
+    std::FILE* image = std::fopen(TOLM_BUILD_DIR "/patch/factory.bin", "rb");
+    ASSERT_NE(image, nullptr);
+    ProgramRecord record;
+    while (std::fread(&record, sizeof record, 1, image) == 1) {
+        sounds += std::strncmp(record.name.data(), "- Init ", 7) != 0;
+        marks += record.name[0] == '+';
+    }
+    std::fclose(image);
+    EXPECT_GE(marks, sounds / 8);
+    EXPECT_LE(marks, sounds / 4 + 4);
+}
+
+Sound namedSound(const std::string& name)
+{
+    Sound sound{blankRecord(), "keys.toml", 7};
+    std::copy(name.begin(), name.end(), sound.record.name.begin());
+    return sound;
+}
+
+TEST(FactoryBank, planAndSoundsMustAgree)
+{
+    const std::vector<Sound> sounds{namedSound("+One"), namedSound("Two")};
+    ProgramRecord init = namedSound("Init Patch").record;
+    auto image = std::make_unique<FactoryImage>();
+    const auto assembled = [&](const std::string& text, std::span<const Sound> given) {
+        BankPlan plan;
+        SoundTextStatus error = readBankPlan(text, "bank.toml", plan);
+        if (!error)
+            error = assembleBank(plan, given, init, *image);
+        return error ? error->text() : "";
+    };
+    EXPECT_EQ(assembled("motion = [\"Two\"]\ntemplates = [\"One\"]", sounds), "");
+    EXPECT_STREQ((*image)[128].name.data(), "Two");
+    EXPECT_STREQ((*image)[373].name.data(), "+One");
+    EXPECT_STREQ((*image)[0].name.data(), "- Init 001");
+    EXPECT_STREQ((*image)[382].name.data(), "- Init 381");
+    EXPECT_STREQ((*image)[383].name.data(), "Init Patch");
+    EXPECT_STREQ((*image)[384].name.data(), "Init Patch");
+    EXPECT_EQ(assembled("motion = [\"Two\"]", sounds),
+              "keys.toml:7: name: \"One\" has no place in bank.toml");
+    EXPECT_EQ(assembled("motion = [\"Two\", \"Two\"]", sounds),
+              "bank.toml: motion: \"Two\" stands here twice");
+    EXPECT_EQ(assembled("motion = [\"Ten\"]", sounds), "bank.toml: motion: \"Ten\" is no sound");
+    const std::vector<Sound> twice{namedSound("One"), namedSound("+One")};
+    EXPECT_EQ(assembled("motion = [\"One\"]", twice),
+              "keys.toml:7: name: \"One\" is already in keys.toml");
+    EXPECT_EQ(assembled("\nencore = []", sounds).find("bank.toml:2: encore: "), 0u);
+    std::string many = "templates = [";
+    for (int i = 0; i < 11; ++i)
+        many += "\"Two\",";
+    EXPECT_EQ(assembled(many + "]", sounds), "bank.toml: templates: more than 10 sounds");
+}
+
+} // namespace
+} // namespace tolm
