@@ -1,0 +1,23 @@
+#pragma once
+// What the plug-in tells its editor. Calls come from whatever thread made the change, the audio
+// thread included: implementations note the news and draw later, and never block or allocate.
+
+#include <cstdint>
+
+namespace tolm {
+
+class EditorHooks {
+public:
+    virtual ~EditorHooks() = default;
+
+    virtual void parameterChanged(int id, float value) = 0;
+    virtual void keyShown(int key, bool down) = 0;
+    // After a list of events in which keys were shown.
+    virtual void keysChanged() = 0;
+    virtual void noteActivity() = 0;
+    virtual void programChanged(int program) = 0;
+    virtual void programNamesChanged() = 0;
+    virtual void mouseWheelMoved(std::intptr_t value, float distance) = 0;
+};
+
+} // namespace tolm

@@ -1,0 +1,153 @@
+// Settings as files, and where Linux keeps them.
+
+#include "plugin/platform.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
+
+namespace tolm {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// An open file that closes itself.
+class File {
+public:
+    explicit File(int descriptor) : descriptor_(descriptor) {}
+    ~File()
+    {
+        if (descriptor_ >= 0)
+            ::close(descriptor_);
+    }
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
+
+    bool isOpen() const { return descriptor_ >= 0; }
+
+    // As many bytes as the file has, at most out.size().
+    std::optional<std::size_t> read(std::span<std::uint8_t> out) const
+    {
+        std::size_t done = 0;
+        while (done < out.size()) {
+            const ssize_t got = ::read(descriptor_, out.data() + done, out.size() - done);
+            if (got < 0 && errno == EINTR)
+                continue;
+            if (got < 0)
+                return std::nullopt;
+            if (got == 0)
+                break;
+            done += static_cast<std::size_t>(got);
+        }
+        return done;
+    }
+
+    // Everything, safe on the disk, and readable for all users as settings are.
+    bool writeAll(std::span<const std::uint8_t> bytes) const
+    {
+        std::size_t done = 0;
+        while (done < bytes.size()) {
+            const ssize_t put = ::write(descriptor_, bytes.data() + done, bytes.size() - done);
+            if (put < 0 && errno == EINTR)
+                continue;
+            if (put <= 0)
+                return false;
+            done += static_cast<std::size_t>(put);
+        }
+        return ::fchmod(descriptor_, 0644) == 0 && ::fsync(descriptor_) == 0;
+    }
+
+private:
+    int descriptor_;
+};
+
+// The new content goes to a file of its own, which then takes the old one's place in one step: a
+// reader sees the old bytes or the new ones, and two writers do not mix.
+void replaceFile(const fs::path& path, std::span<const std::uint8_t> bytes)
+{
+    std::error_code failure;
+    fs::create_directories(path.parent_path(), failure);
+    std::string temporary = path.string() + ".XXXXXX";
+    const File file(::mkostemp(temporary.data(), O_CLOEXEC));
+    if (!file.isOpen())
+        return;
+    if (!file.writeAll(bytes) || ::rename(temporary.c_str(), path.c_str()) != 0)
+        ::unlink(temporary.c_str());
+}
+
+class FileSettingsStore final : public SettingsStore {
+public:
+    FileSettingsStore(std::string machineFolder, std::string userFolder)
+        : machineFolder_(std::move(machineFolder)), userFolder_(std::move(userFolder))
+    {
+    }
+
+    std::optional<std::size_t> read(Scope scope, std::string_view key, std::string_view name,
+                                    std::span<std::uint8_t> out) override
+    {
+        const std::string& folder = folderOf(scope);
+        if (folder.empty())
+            return std::nullopt;
+        // Not blocking, in case that somebody put a pipe there.
+        const File file(
+            ::open(pathIn(folder, key, name).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+        return file.isOpen() ? file.read(out) : std::nullopt;
+    }
+
+    void write(Scope scope, std::string_view key, std::string_view name,
+               std::span<const std::uint8_t> bytes) override
+    {
+        const std::string& folder = folderOf(scope);
+        if (!folder.empty())
+            replaceFile(pathIn(folder, key, name), bytes);
+    }
+
+private:
+    const std::string& folderOf(Scope scope) const
+    {
+        return scope == Scope::machine ? machineFolder_ : userFolder_;
+    }
+    static fs::path pathIn(const std::string& folder, std::string_view key, std::string_view name)
+    {
+        return fs::path(folder) / fs::path(key) / fs::path(name);
+    }
+
+    std::string machineFolder_;
+    std::string userFolder_;
+};
+
+std::string environment(const char* name)
+{
+    const char* value = std::getenv(name);
+    return value != nullptr ? value : "";
+}
+
+// $XDG_CONFIG_HOME counts only when absolute; without a home there is no user folder.
+std::string userConfigFolder()
+{
+    const std::string configured = environment("XDG_CONFIG_HOME");
+    if (configured.starts_with('/'))
+        return configured;
+    const std::string home = environment("HOME");
+    return home.starts_with('/') ? home + "/.config" : std::string();
+}
+
+} // namespace
+
+std::unique_ptr<SettingsStore> fileSettingsStore(std::string machineFolder, std::string userFolder)
+{
+    return std::make_unique<FileSettingsStore>(std::move(machineFolder), std::move(userFolder));
+}
+
+std::unique_ptr<SettingsStore> systemSettingsStore()
+{
+    return fileSettingsStore("/etc", userConfigFolder());
+}
+
+} // namespace tolm
