@@ -155,6 +155,7 @@ void VstSynth::setParameterQuiet(std::int32_t id, float value)
 
 void VstSynth::setParameterAutomated(std::int32_t id, float value)
 {
+    value = std::isfinite(value) ? value : 0.0f;
     setParameter(id, value);
     if (id >= 0 && id < numAutomatable_)
         callHost(vst2::audioMasterAutomate, id, 0, nullptr, value);
@@ -166,7 +167,7 @@ void VstSynth::sendControllerFor(std::int32_t id, float value)
     const int controller = core_.midiMap().controllerOf(id);
     if (controller < 0)
         return;
-    const float scaled = std::isfinite(value) ? std::clamp(value * 127.0f, 0.0f, 127.0f) : 0.0f;
+    const float scaled = std::clamp(value * 127.0f, 0.0f, 127.0f);
     vst2::VstMidiEvent message;
     message.midiData[0] = static_cast<char>(0xB0);
     message.midiData[1] = static_cast<char>(controller);

@@ -121,6 +121,8 @@ void silence(float* const* outputs, int frames)
 void processBlock(SynthCore& core, float* const* outputs, int frames, OutputMode mode)
 {
     const bool hasOutputs = outputs != nullptr && outputs[0] != nullptr && outputs[1] != nullptr;
+    // Asked while the guard is free: a host may answer by calling back.
+    const double tempo = frames > 0 ? core.tempoSource().beatsPerMinute() : 0.0;
     const GuardHold hold = GuardHold::attempt(core.guard());
     if (!hold || !hasOutputs) {
         core.queue().clear();
@@ -134,7 +136,7 @@ void processBlock(SynthCore& core, float* const* outputs, int frames, OutputMode
         core.engine().endBlock(); // ramps snap; events wait for frames to be played in
         return;
     }
-    core.setTempo(believableTempo(core.tempoSource().beatsPerMinute()));
+    core.setTempo(believableTempo(tempo));
     drainKeyboard(core);
     if (frames <= core.blockCapacity())
         processPiece(core, outputs, frames, mode);
