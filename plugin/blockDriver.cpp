@@ -124,6 +124,11 @@ void processBlock(SynthCore& core, float* const* outputs, int frames, OutputMode
     // Asked while the guard is free: a host may answer by calling back.
     const double tempo = frames > 0 ? core.tempoSource().beatsPerMinute() : 0.0;
     const GuardHold hold = GuardHold::attempt(core.guard());
+    if (hold && frames <= 0) {
+        core.applyPending();
+        core.engine().endBlock(); // ramps snap; events wait for frames to be played in
+        return;
+    }
     if (!hold || !hasOutputs) {
         core.queue().clear();
         if (hasOutputs && frames > 0 && mode == OutputMode::replace)
@@ -132,10 +137,6 @@ void processBlock(SynthCore& core, float* const* outputs, int frames, OutputMode
     }
     const FlushDenormals flushDenormals;
     core.applyPending();
-    if (frames <= 0) {
-        core.engine().endBlock(); // ramps snap; events wait for frames to be played in
-        return;
-    }
     core.setTempo(believableTempo(tempo));
     drainKeyboard(core);
     if (frames <= core.blockCapacity())

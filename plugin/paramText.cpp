@@ -88,6 +88,14 @@ std::array<double, 3> numbersShownAs(const DisplayRule& rule, double number)
     return {number, number + quarter, number - quarter};
 }
 
+bool isShownAs(std::string_view shown, std::string_view text, const DisplayRule& rule)
+{
+    const std::string_view unit = rule.unit;
+    if (sameText(shown, text))
+        return true;
+    return shown.ends_with(unit) && sameText(shown.substr(0, shown.size() - unit.size()), text);
+}
+
 // Of the stored values that could have been meant, the first that is shown as the very text; else
 // the first that shows the number; else the number's own value, if it is in range.
 std::optional<float> valueOfNumber(const DisplayRule& rule, double number, std::string_view text,
@@ -102,7 +110,7 @@ std::optional<float> valueOfNumber(const DisplayRule& rule, double number, std::
             continue;
         const auto value = static_cast<float>(std::clamp(exact, 0.0, largest));
         const ParamText shown = ruleText(rule, static_cast<double>(value));
-        if (sameText(shown.view(), text))
+        if (isShownAs(shown.view(), text, rule))
             return value;
         if (!sameNumber && parseNumber(shown.view(), rule) == number)
             sameNumber = value;

@@ -1,0 +1,274 @@
+// Where a block is cut, what is played where, and what a block does to the synth.
+
+#include "plugin/blockDriver.h"
+#include "SynthRig.h"
+#include "plugin/blockWalk.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <limits>
+#include <new>
+
+namespace {
+
+// Counts allocations on the thread that asks for it.
+thread_local bool countAllocations = false;
+thread_local int allocations = 0;
+
+void* countedAllocation(std::size_t size)
+{
+    if (countAllocations)
+        ++allocations;
+    if (void* memory = std::malloc(size != 0 ? size : 1))
+        return memory;
+    throw std::bad_alloc();
+}
+
+} // namespace
+
+void* operator new(std::size_t size)
+{
+    return countedAllocation(size);
+}
+void* operator new[](std::size_t size)
+{
+    return countedAllocation(size);
+}
+void operator delete(void* memory) noexcept
+{
+    std::free(memory);
+}
+void operator delete[](void* memory) noexcept
+{
+    std::free(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept
+{
+    std::free(memory);
+}
+void operator delete[](void* memory, std::size_t) noexcept
+{
+    std::free(memory);
+}
+
+namespace tolm {
+namespace {
+
+using test::SynthRig;
+
+// Writes down slices as "start+frames" and events as "key@position".
+struct Recorder {
+    std::string log;
+    int position = 0;
+
+    void render(int start, int frames)
+    {
+        log += std::to_string(start) + "+" + std::to_string(frames) + " ";
+        position = start + frames;
+    }
+    void play(const QueuedEvent& event)
+    {
+        log += std::to_string(event.data1) + "@" + std::to_string(position) + " ";
+    }
+};
+
+EventQueue queueOf(std::initializer_list<std::pair<int, int>> offsetsAndKeys)
+{
+    EventQueue queue;
+    for (const auto& [offset, key] : offsetsAndKeys)
+        queue.append({offset, -1, 0, kNoteOn, static_cast<std::uint8_t>(key), 100});
+    return queue;
+}
+
+TEST(BlockWalk, cutsAtEventsAndAt64Frames)
+{
+    struct Row {
+        int frames;
+        EventQueue queue;
+        const char* log;
+        int lastSlice;
+    };
+    const Row kRows[] = {
+        {130, queueOf({}),                          "0+64 64+64 128+2 ",                0 },
+        {64,  queueOf({}),                          "0+64 ",                            64},
+        {65,  queueOf({}),                          "0+64 64+1 ",                       0 },
+        {64,  queueOf({{100, 1}}),                  "0+64 ",                            64},
+        {64,  queueOf({{64, 1}}),                   "0+64 ",                            64},
+        {64,  queueOf({{63, 1}}),                   "0+63 1@63 63+1 ",                  1 },
+        {100, queueOf({{0, 1}, {80, 2}}),           "1@0 0+64 64+16 2@80 80+20 ",       20},
+        {100, queueOf({{80, 1}, {10, 2}, {-5, 3}}), "0+64 64+16 1@80 2@80 3@80 80+20 ", 20},
+        {200, queueOf({{10, 1}}),                   "0+10 1@10 10+64 74+64 138+62 ",    0 },
+    };
+    for (const Row& row : kRows) {
+        Recorder recorder;
+        EXPECT_EQ(walkBlock(row.queue, row.frames, recorder), row.lastSlice) << row.log;
+        EXPECT_EQ(recorder.log, row.log);
+    }
+}
+
+// In pieces of any length, events act at the frames at which the whole block would have had them.
+TEST(BlockWalk, dealsALongBlockOutWithoutMovingAnEvent)
+{
+    const EventQueue events = queueOf({
+        {70,  1},
+        {-3,  2},
+        {75,  3},
+        {20,  4},
+        {500, 5},
+        {199, 6},
+        {200, 7}
+    });
+    for (const int piece : {1, 7, 64, 71, 100, 200, 1000}) {
+        EventDealer dealer(events, 200);
+        std::string played;
+        for (int start = 0; start < 200; start += piece) {
+            const int length = std::min(piece, 200 - start);
+            EventQueue queue;
+            dealer.deal(start, start + length, queue);
+            Recorder recorder;
+            walkBlock(queue, length, recorder);
+            for (std::size_t at = recorder.log.find('@'); at != std::string::npos;
+                 at = recorder.log.find('@', at + 1)) {
+                const int frame = start + std::stoi(recorder.log.substr(at + 1));
+                played += recorder.log.substr(at - 1, 1) + "@" + std::to_string(frame) + " ";
+            }
+        }
+        EXPECT_EQ(played, "1@70 2@70 3@75 4@75 6@199 ") << "pieces of " << piece;
+    }
+}
+
+TEST(BlockDriver, believesOnlySaneTempos)
+{
+    SynthRig rig;
+    const auto tempoAfterBlock = [&rig](double tempo, std::int32_t flags) {
+        rig.time.emplace();
+        rig.time->tempo = tempo;
+        rig.time->flags = flags;
+        rig.process(32);
+        return rig.core().hostTempo();
+    };
+    const std::int32_t valid = vst2::kTempoValid;
+    for (const double sane : {1.0, 97.5, 1000.0})
+        EXPECT_EQ(tempoAfterBlock(sane, valid), sane);
+    for (const double wild : {0.0, 0.99, -120.0, 1000.1, double(NAN), double(INFINITY)})
+        EXPECT_EQ(tempoAfterBlock(wild, valid), 120.0);
+    EXPECT_EQ(tempoAfterBlock(90.0, valid), 90.0);
+    EXPECT_EQ(tempoAfterBlock(90.0, vst2::kPpqPosValid), 120.0);
+    tempoAfterBlock(90.0, valid);
+    rig.time.reset();
+    rig.process(32);
+    EXPECT_EQ(rig.core().hostTempo(), 120.0);
+}
+
+TEST(BlockDriver, emptiesTheQueueButNotForABlockOfNoFrames)
+{
+    SynthRig rig;
+    rig.send({
+        {0,    0x90, 60, 100},
+        {5000, 0x90, 61, 100}
+    });
+    rig.process(0);
+    EXPECT_EQ(rig.core().queue().count(), 2);
+    rig.process(64);
+    EXPECT_EQ(rig.core().queue().count(), 0);
+}
+
+TEST(BlockDriver, countsIdleBlocksOfTheArpeggiator)
+{
+    SynthRig rig;
+    rig.synth->setBlockSize(256);
+    rig.arp().phase = 0.0;
+    rig.process(256);
+    rig.process(10);
+    EXPECT_EQ(rig.arp().phase, 2.0);
+}
+
+TEST(BlockDriver, bringsAPatternRestartNearerWithEveryPieceOfALongBlock)
+{
+    SynthRig rig;
+    rig.synth->setBlockSize(100);
+    rig.arp().restartOffset = 250; // nothing takes it while the arpeggiator is off
+    rig.process(300);
+    EXPECT_EQ(rig.arp().restartOffset, 50);
+}
+
+TEST(BlockDriver, isSilentAndDropsEventsWhileSomebodyElseHoldsTheEngine)
+{
+    SynthRig rig;
+    const GuardHold hold = GuardHold::attempt(rig.core().guard());
+    ASSERT_TRUE(hold);
+    rig.send({
+        {0, 0x90, 60, 100}
+    });
+    EXPECT_EQ(rig.answerOfEvents, 1);
+    EXPECT_TRUE(rig.queued().empty());
+    rig.process(100);
+    for (std::size_t i = 0; i < 100; ++i)
+        ASSERT_EQ(rig.left[i] + rig.right[i], 0.0f);
+    // Accumulating, silence adds nothing.
+    std::vector<float> kept(100, 3.0f);
+    float* outputs[] = {kept.data(), kept.data()};
+    rig.synth->process(nullptr, outputs, 100);
+    EXPECT_EQ(kept, std::vector<float>(100, 3.0f));
+}
+
+TEST(BlockDriver, processesLongBlocksWhole)
+{
+    SynthRig rig;
+    for (const int announced : {1, 64, 8192, 100000}) {
+        rig.synth->setBlockSize(announced);
+        EXPECT_LE(rig.core().blockCapacity(), 8192);
+        rig.process(9000);
+        for (std::size_t i = 0; i < 9000; ++i)
+            ASSERT_EQ(rig.left[i], 0.0f) << announced << " frame " << i;
+    }
+}
+
+TEST(BlockDriver, allocatesNothing)
+{
+    SynthRig rig;
+    rig.synth->resume();
+    rig.synth->setBlockSize(100);
+    rig.time.emplace();
+    std::vector<float> left(1000), right(1000);
+    float* outputs[] = {left.data(), right.data()};
+    vst2::VstMidiEvent messages[40];
+    struct {
+        vst2::VstEvents head;
+        vst2::VstEvent* more[39];
+    } list;
+    const int statuses[] = {0x90, 0x80, 0xB0, 0xC0, 0xD0, 0xE0, 0xA0};
+    vst2::VstEvent** events = list.head.events;
+    for (int i = 0; i < 40; ++i) {
+        messages[i].deltaFrames = i * 3;
+        messages[i].midiData[0] = static_cast<char>(statuses[i % 7]);
+        messages[i].midiData[1] = static_cast<char>(i * 7 % 128);
+        messages[i].midiData[2] = static_cast<char>(i * 11 % 128);
+        events[i] = reinterpret_cast<vst2::VstEvent*>(&messages[i]);
+    }
+    list.head.numEvents = 40;
+    for (const bool arpOn : {false, true}) {
+        rig.synth->setParameter(115, arpOn ? 1.0f : 0.0f);
+        rig.core().midiMap().armLearn(4);
+        rig.core().keyboard().push(kNoteOn, 60, 100);
+        countAllocations = true;
+        allocations = 0;
+        for (const int frames : {64, 100, 1000, 0, 1}) {
+            rig.synth->processEvents(&list.head);
+            rig.synth->processReplacing(nullptr, outputs, frames);
+            rig.synth->process(nullptr, outputs, frames);
+        }
+        countAllocations = false;
+        EXPECT_EQ(allocations, 0);
+    }
+    // The counter works.
+    countAllocations = true;
+    rig.synth->setBlockSize(64);
+    countAllocations = false;
+    EXPECT_GT(allocations, 0);
+}
+
+} // namespace
+} // namespace tolm
