@@ -10,7 +10,9 @@ namespace tolm {
 
 class ProcessingGuard {
 public:
-    bool tryTake() { return !taken_.exchange(true, std::memory_order_acquire); }
+    // Gives way to a thread that waits, so that blocks without a pause between them do not keep a
+    // load out.
+    bool tryTake() { return waiting_.load(std::memory_order_relaxed) == 0 && take(); }
     void release() { taken_.store(false, std::memory_order_release); }
 
     // Waits a bounded time, because a host may have stopped inside a block for good. Never called
@@ -20,15 +22,20 @@ public:
         constexpr auto kLongestWait = std::chrono::seconds(2);
         constexpr auto kNap = std::chrono::microseconds(200);
         const auto deadline = std::chrono::steady_clock::now() + kLongestWait;
-        while (!tryTake()) {
-            if (std::chrono::steady_clock::now() > deadline)
-                return false;
+        waiting_.fetch_add(1, std::memory_order_relaxed);
+        bool taken = take();
+        while (!taken && std::chrono::steady_clock::now() < deadline) {
             std::this_thread::sleep_for(kNap);
+            taken = take();
         }
-        return true;
+        waiting_.fetch_sub(1, std::memory_order_relaxed);
+        return taken;
     }
 
 private:
+    bool take() { return !taken_.exchange(true, std::memory_order_acquire); }
+
+    std::atomic<int> waiting_{0};
     std::atomic<bool> taken_{false};
 };
 
