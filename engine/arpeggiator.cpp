@@ -253,8 +253,6 @@ void runPattern(EngineRecord& r, EngineOwner& owner, double sampleRateHz, int fr
         r.arpVelocityBuffer[static_cast<std::size_t>(frame)] = arp.velocityOut;
         arp.phase += 1.0;
     }
-    // A restart beyond the block's end never comes.
-    arp.restartOffset = -1;
 }
 
 void endSecondArpNote(EngineRecord& r)

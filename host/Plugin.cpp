@@ -14,7 +14,7 @@
 namespace tolm {
 namespace {
 
-using Entry = AEffect*(TOLM_VST_CALL*)(AudioMasterCallback);
+using Entry = AEffect*(*)(HostCallback);
 
 constexpr std::array kEntryNames = {"VSTPluginMain", "Main", "main"};
 constexpr std::size_t kTextBytes = 1024; // far beyond the interface's limits, which few keep
@@ -81,7 +81,7 @@ void Plugin::open()
 void Plugin::checkIsInstrument() const
 {
     const bool synth = (effect_->flags & effFlagsIsSynth) != 0;
-    if (!synth && dispatch(effGetPlugCategory) != kPlugCategSynth)
+    if (!synth && dispatch(effGetPlugCategory) != kCategorySynth)
         throw Failure(quoted(path_) + " is an effect, not an instrument");
     if (effect_->numOutputs < 1)
         throw Failure(quoted(path_) + " has no audio output");
@@ -187,7 +187,7 @@ void Plugin::send(std::span<const FrameEvent> events, std::int64_t base)
     auto* list = reinterpret_cast<VstEvents*>(eventList_.data());
     list->numEvents = static_cast<std::int32_t>(events.size());
     for (std::size_t i = 0; i < events.size(); ++i) {
-        midi_[i].type = kVstMidiType;
+        midi_[i].type = kMidiType;
         midi_[i].byteSize = sizeof(VstMidiEvent);
         midi_[i].deltaFrames = static_cast<std::int32_t>(events[i].frame - base);
         std::memcpy(midi_[i].midiData, events[i].bytes.data(), events[i].bytes.size());

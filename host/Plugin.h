@@ -13,6 +13,8 @@
 
 namespace tolm {
 
+using namespace vst2;
+
 enum class ChunkKind { bank = 0, program = 1 };
 
 class Plugin {
@@ -25,7 +27,7 @@ public:
     Plugin& operator=(const Plugin&) = delete;
 
     std::string name() const;
-    std::int32_t uniqueId() const { return effect_->uniqueID; }
+    std::int32_t uniqueId() const { return effect_->uniqueId; }
     bool takesChunks() const { return (effect_->flags & effFlagsProgramChunks) != 0; }
 
     int programCount() const { return std::max(effect_->numPrograms, 0); }
@@ -57,7 +59,7 @@ private:
         void operator()(void* library) const;
     };
 
-    static std::intptr_t TOLM_VST_CALL callback(AEffect* effect, std::int32_t opcode,
+    static std::intptr_t callback(AEffect* effect, std::int32_t opcode,
                                                 std::int32_t index, std::intptr_t value, void* ptr,
                                                 float opt);
     std::intptr_t answer(std::int32_t opcode, std::int32_t index, void* ptr);

@@ -25,8 +25,8 @@ VstTimeInfo timeAt(const TempoMap& tempo, double sampleRateHz, std::int64_t fram
     time.barStartPos = tempo.barStart(time.ppqPos);
     time.timeSigNumerator = tempo.signatureAt(time.ppqPos).numerator;
     time.timeSigDenominator = tempo.signatureAt(time.ppqPos).denominator;
-    time.flags = kVstTransportPlaying | kVstPpqPosValid | kVstTempoValid | kVstBarsValid |
-                 kVstTimeSigValid | (frame == 0 ? kVstTransportChanged : 0);
+    time.flags = kTransportPlaying | kPpqPosValid | kTempoValid | kBarsValid |
+                 kTimeSigValid | (frame == 0 ? kTransportChanged : 0);
     return time;
 }
 

@@ -41,7 +41,7 @@ std::intptr_t canDo(const void* ability)
 
 } // namespace
 
-std::intptr_t TOLM_VST_CALL Plugin::callback(AEffect* effect, std::int32_t opcode,
+std::intptr_t Plugin::callback(AEffect* effect, std::int32_t opcode,
                                              std::int32_t index, std::intptr_t, void* ptr, float)
 {
     // Instances ask before they are known: while their entry runs only general questions count.
@@ -69,7 +69,7 @@ std::intptr_t Plugin::answer(std::int32_t opcode, std::int32_t index, void* ptr)
 {
     switch (opcode) {
     case audioMasterCurrentId:
-        return effect_->uniqueID;
+        return effect_->uniqueId;
     case audioMasterWantMidi:
     case audioMasterAutomate:
     case audioMasterBeginEdit:

@@ -41,10 +41,10 @@ public:
         const int velocity = event.data2 & 0x7F;
         const auto mask = static_cast<std::uint32_t>(event.tag);
         if (event.status == kNoteOff || velocity == 0) {
-            core_.engine().noteOff(key, 0, mask);
+            core_.engine().noteOff(key, mask);
             return;
         }
-        core_.engine().noteOn(key, velocity, mask, static_cast<std::uint32_t>(event.extra));
+        core_.engine().noteOn(key, velocity, mask);
         if (EditorHooks* editor = core_.editor())
             editor->noteActivity();
     }
@@ -85,7 +85,7 @@ void processPiece(SynthCore& core, float* const* outputs, int frames, OutputMode
         engine.record().arp.phase += 1.0; // counts blocks while idle
 
     EnginePlayer player(core, outputs, mode);
-    engine.endRender(walkBlock(core.queue(), frames, player));
+    walkBlock(core.queue(), frames, player);
     engine.updateGlobalModulation();
     runEffects(core, frames, outputs);
     addBypass(core, frames, outputs);
@@ -144,6 +144,8 @@ void processBlock(SynthCore& core, float* const* outputs, int frames, OutputMode
     else
         processLongBlock(core, outputs, frames, mode);
     core.queue().clear();
+    // A restart beyond the block's end never comes.
+    core.engine().record().arp.restartOffset = -1;
 }
 
 } // namespace tolm

@@ -39,7 +39,7 @@ void restartPattern(ArpeggiatorState& arp, std::int32_t offset)
 {
     arp.phase = 0.0;
     arp.tickCounter = 0;
-    arp.restartOffset = offset;
+    arp.restartOffset = std::max(offset, 0);
 }
 
 void append(SynthCore& core, const MidiMessage& message, std::int32_t tag, std::uint8_t status)

@@ -16,7 +16,7 @@
 
 namespace {
 
-using namespace tolm;
+using namespace tolm::vst2;
 
 struct ProgramRow {
     const char* name;
@@ -33,7 +33,7 @@ constexpr const char* kRightNames[rightCount] = {"Tempo",     "Position", "Bar",
 
 struct Instrument {
     AEffect effect{};
-    AudioMasterCallback host = nullptr;
+    HostCallback host = nullptr;
     std::array<float, parameterCount> values{1.0f, 0.0f, 0.5f};
     std::intptr_t program = 0;
     std::array<float, 128> held{};
@@ -101,8 +101,8 @@ float Instrument::rightValue(const VstTimeInfo& time) const
 void Instrument::render(float** outputs, int frames, bool add)
 {
     const auto* time = reinterpret_cast<const VstTimeInfo*>(
-        host(&effect, audioMasterGetTime, 0, kVstTempoValid, nullptr, 0.0f));
-    constexpr int kFlags = kVstTempoValid | kVstPpqPosValid | kVstTransportPlaying;
+        host(&effect, audioMasterGetTime, 0, kTempoValid, nullptr, 0.0f));
+    constexpr int kFlags = kTempoValid | kPpqPosValid | kTransportPlaying;
     fault(!open || !on || !started || frames > blockFrames || frames < 1);
     fault(time == nullptr || (time->flags & kFlags) != kFlags);
     if (time == nullptr)
@@ -147,15 +147,15 @@ void takeEvents(Instrument& instrument, const VstEvents& list)
                     reinterpret_cast<const char*>(&list.events) +
                         static_cast<std::size_t>(i) * sizeof event,
                     sizeof event);
-        instrument.fault(event->type != kVstMidiType);
+        instrument.fault(event->type != kMidiType);
         VstMidiEvent midi;
-        std::memcpy(&midi, event, sizeof midi);
+        std::memcpy(static_cast<void*>(&midi), event, sizeof midi);
         instrument.events.push_back(midi);
     }
     instrument.fault(instrument.events.size() > 200); // more than an instrument need take
 }
 
-std::intptr_t TOLM_VST_CALL dispatch(AEffect* effect, std::int32_t opcode, std::int32_t index,
+std::intptr_t dispatch(AEffect* effect, std::int32_t opcode, std::int32_t index,
                                      std::intptr_t value, void* ptr, float opt)
 {
     Instrument& instrument = self(effect);
@@ -225,8 +225,8 @@ std::intptr_t TOLM_VST_CALL dispatch(AEffect* effect, std::int32_t opcode, std::
 
 } // namespace
 
-extern "C" __attribute__((visibility("default"))) tolm::AEffect*
-VSTPluginMain(tolm::AudioMasterCallback host)
+extern "C" __attribute__((visibility("default"))) tolm::vst2::AEffect*
+VSTPluginMain(tolm::vst2::HostCallback host)
 {
     if (host(nullptr, audioMasterVersion, 0, 0, nullptr, 0.0f) != 2400)
         return nullptr;
@@ -239,7 +239,7 @@ VSTPluginMain(tolm::AudioMasterCallback host)
     AEffect& effect = instrument->effect;
     effect.magic = kEffectMagic;
     effect.object = instrument;
-    effect.uniqueID = 0x54657374; // 'Test'
+    effect.uniqueId = 0x54657374; // 'Test'
     effect.numPrograms = static_cast<std::int32_t>(std::size(kPrograms));
     effect.numParams = parameterCount;
     effect.numOutputs = instrument->mono ? 1 : 2;
