@@ -3,6 +3,7 @@
 #include "plugin/blockDriver.h"
 #include "SynthRig.h"
 #include "plugin/blockWalk.h"
+#include "plugin/catalogue.h"
 
 #include <gtest/gtest.h>
 
@@ -91,15 +92,15 @@ TEST(BlockWalk, cutsAtEventsAndAt64Frames)
         int lastSlice;
     };
     const Row kRows[] = {
-        {130, queueOf({}),                          "0+64 64+64 128+2 ",                0 },
-        {64,  queueOf({}),                          "0+64 ",                            64},
-        {65,  queueOf({}),                          "0+64 64+1 ",                       0 },
-        {64,  queueOf({{100, 1}}),                  "0+64 ",                            64},
-        {64,  queueOf({{64, 1}}),                   "0+64 ",                            64},
-        {64,  queueOf({{63, 1}}),                   "0+63 1@63 63+1 ",                  1 },
-        {100, queueOf({{0, 1}, {80, 2}}),           "1@0 0+64 64+16 2@80 80+20 ",       20},
+        {130, queueOf({}), "0+64 64+64 128+2 ", 0},
+        {64, queueOf({}), "0+64 ", 64},
+        {65, queueOf({}), "0+64 64+1 ", 0},
+        {64, queueOf({{100, 1}}), "0+64 ", 64},
+        {64, queueOf({{64, 1}}), "0+64 ", 64},
+        {64, queueOf({{63, 1}}), "0+63 1@63 63+1 ", 1},
+        {100, queueOf({{0, 1}, {80, 2}}), "1@0 0+64 64+16 2@80 80+20 ", 20},
         {100, queueOf({{80, 1}, {10, 2}, {-5, 3}}), "0+64 64+16 1@80 2@80 3@80 80+20 ", 20},
-        {200, queueOf({{10, 1}}),                   "0+10 1@10 10+64 74+64 138+62 ",    0 },
+        {200, queueOf({{10, 1}}), "0+10 1@10 10+64 74+64 138+62 ", 0},
     };
     for (const Row& row : kRows) {
         Recorder recorder;
@@ -111,15 +112,8 @@ TEST(BlockWalk, cutsAtEventsAndAt64Frames)
 // In pieces of any length, events act at the frames at which the whole block would have had them.
 TEST(BlockWalk, dealsALongBlockOutWithoutMovingAnEvent)
 {
-    const EventQueue events = queueOf({
-        {70,  1},
-        {-3,  2},
-        {75,  3},
-        {20,  4},
-        {500, 5},
-        {199, 6},
-        {200, 7}
-    });
+    const EventQueue events =
+        queueOf({{70, 1}, {-3, 2}, {75, 3}, {20, 4}, {500, 5}, {199, 6}, {200, 7}});
     for (const int piece : {1, 7, 64, 71, 100, 200, 1000}) {
         EventDealer dealer(events, 200);
         std::string played;
@@ -165,10 +159,7 @@ TEST(BlockDriver, believesOnlySaneTempos)
 TEST(BlockDriver, emptiesTheQueueButNotForABlockOfNoFrames)
 {
     SynthRig rig;
-    rig.send({
-        {0,    0x90, 60, 100},
-        {5000, 0x90, 61, 100}
-    });
+    rig.send({{0, 0x90, 60, 100}, {5000, 0x90, 61, 100}});
     rig.process(0);
     EXPECT_EQ(rig.core().queue().count(), 2);
     rig.process(64);
@@ -185,13 +176,23 @@ TEST(BlockDriver, countsIdleBlocksOfTheArpeggiator)
     EXPECT_EQ(rig.arp().phase, 2.0);
 }
 
-TEST(BlockDriver, bringsAPatternRestartNearerWithEveryPieceOfALongBlock)
+TEST(BlockDriver, restartsThePatternAtItsFrameInAnyPieceOfALongBlock)
 {
     SynthRig rig;
     rig.synth->setBlockSize(100);
-    rig.arp().restartOffset = 250; // nothing takes it while the arpeggiator is off
-    rig.process(300);
-    EXPECT_EQ(rig.arp().restartOffset, 50);
+    rig.synth->setParameter(kArpOn, 1.0f);
+    rig.process(1);
+    rig.send({{250, 0x90, 60, 100}});
+    rig.process(260);
+    // The first tick fires at the key's own frame, in the third piece, and the clock runs from
+    // there.
+    EXPECT_EQ(rig.arp().tickCounter, 1u);
+    EXPECT_NEAR(rig.arp().phase, 10.0, 1e-6);
+    EXPECT_EQ(rig.arp().restartOffset, -1);
+    // A restart at or behind the block's end never comes.
+    rig.send({{0, 0x80, 60, 0}, {700, 0x90, 62, 100}});
+    rig.process(260);
+    EXPECT_EQ(rig.arp().restartOffset, -1);
 }
 
 TEST(BlockDriver, isSilentAndDropsEventsWhileSomebodyElseHoldsTheEngine)
@@ -199,9 +200,7 @@ TEST(BlockDriver, isSilentAndDropsEventsWhileSomebodyElseHoldsTheEngine)
     SynthRig rig;
     const GuardHold hold = GuardHold::attempt(rig.core().guard());
     ASSERT_TRUE(hold);
-    rig.send({
-        {0, 0x90, 60, 100}
-    });
+    rig.send({{0, 0x90, 60, 100}});
     EXPECT_EQ(rig.answerOfEvents, 1);
     EXPECT_TRUE(rig.queued().empty());
     rig.process(100);
