@@ -98,29 +98,29 @@ TEST(ChunkReader, rejectedChunksChangeNothingButTheBendRanges)
 {
     const std::size_t legacy = 1104;
     const Rejected cases[] = {
-        {"only a header", false,                 ChunkBytes(128), 40                                         },
-        {"one byte short",          false,       ChunkBytes(128),          235559                                           },
-        {"preset one byte short",  true,              ChunkBytes(1),                40 + 1839                     },
-        {"legacy one byte short",              true,                            ChunkBytes(2,                          9,                                            legacy), 40 + 2 * 1104 - 1},
-        {"old values in a bank are full records",   false,                       ChunkBytes(2,         9,                               legacy), 40 + 2 * 1104},
-        {"negative count",          false, ChunkBytes(2).field(4,             -1),                                        3720},
-        {"lowest count",           true, ChunkBytes(2).field(4,           kMin),                                        3720},
-        {"highest count",          false, ChunkBytes(2).field(4,           kMax),                                        3720},
- // 2334222 * 1840 is 2^32 + 1184: a small size in 32 bits
-        {"count that wraps in 32 bits",          false, ChunkBytes(2).field(4,        2334229),                                        3720},
-        {"negative legacy count",           true,          ChunkBytes(2,               9,                             legacy).field(4, -1), 2248},
-        {"legacy without programs",               true,            ChunkBytes(0,         9,                             legacy), 40},
-        {                      "preset without programs",             true,                                  ChunkBytes(0),                         40                                                   },
-        {"negative program",               true,                   ChunkBytes(128).field(8,                -1),235560},
-        {"program 384",               true,                        ChunkBytes(128).field(8,                     384),                  235560},
-        {"program far away",               true,                   ChunkBytes(128).field(8,                kMin),                  235560},
-        {"legacy program 384",               true,                 ChunkBytes(2,              9,                             legacy).field(8, 384), 2248},
-        {"source at the count",           true,                            ChunkBytes(2).field(8,                                           2),                                                                  3720},
-        {      "old full bank does not wrap",             true,                              ChunkBytes(128,   11).field(8,200), 235560},
-        {"version 1",    false,                     ChunkBytes(128,                            1),                                                                                                                       235560},
-        {                                                                                                                                                                                  "version 1 preset", true,ChunkBytes(128,1),235560},
-        {"lowest version", false,                     ChunkBytes(128,                                                 kMin),                                                                                                                                                                                          235560},
-        {                                                                                                                                                                                                                                                                                                                                                                                                                                                                           "version 1, cut off", false,ChunkBytes(128,1),40},
+        {"only a header", false, ChunkBytes(128), 40},
+        {"one byte short", false, ChunkBytes(128), 235559},
+        {"preset one byte short", true, ChunkBytes(1), 40 + 1839},
+        {"legacy one byte short", true, ChunkBytes(2, 9, legacy), 40 + 2 * 1104 - 1},
+        {"old values in a bank are full records", false, ChunkBytes(2, 9, legacy), 40 + 2 * 1104},
+        {"negative count", false, ChunkBytes(2).field(4, -1), 3720},
+        {"lowest count", true, ChunkBytes(2).field(4, kMin), 3720},
+        {"highest count", false, ChunkBytes(2).field(4, kMax), 3720},
+        // 2334222 * 1840 is 2^32 + 1184: a small size in 32 bits
+        {"count that wraps in 32 bits", false, ChunkBytes(2).field(4, 2334229), 3720},
+        {"negative legacy count", true, ChunkBytes(2, 9, legacy).field(4, -1), 2248},
+        {"legacy without programs", true, ChunkBytes(0, 9, legacy), 40},
+        {"preset without programs", true, ChunkBytes(0), 40},
+        {"negative program", true, ChunkBytes(128).field(8, -1), 235560},
+        {"program 384", true, ChunkBytes(128).field(8, 384), 235560},
+        {"program far away", true, ChunkBytes(128).field(8, kMin), 235560},
+        {"legacy program 384", true, ChunkBytes(2, 9, legacy).field(8, 384), 2248},
+        {"source at the count", true, ChunkBytes(2).field(8, 2), 3720},
+        {"old full bank does not wrap", true, ChunkBytes(128, 11).field(8, 200), 235560},
+        {"version 1", false, ChunkBytes(128, 1), 235560},
+        {"version 1 preset", true, ChunkBytes(128, 1), 235560},
+        {"lowest version", false, ChunkBytes(128, kMin), 235560},
+        {"version 1, cut off", false, ChunkBytes(128, 1), 40},
     };
     Rig rig;
     for (const Rejected& row : cases) {
@@ -151,13 +151,8 @@ TEST(ChunkReader, rejectedChunksChangeNothingButTheBendRanges)
 TEST(ChunkReader, bendRangesAreHeldToSixtyFourSemitones)
 {
     Rig rig;
-    for (auto [stored, taken] : {
-             std::pair(-1, 0), {0,    0 },
-               {64,   64},
-               {65,   64},
-               {kMin, 0 },
-               {kMax, 64}
-    }) {
+    for (auto [stored, taken] :
+         {std::pair(-1, 0), {0, 0}, {64, 64}, {65, 64}, {kMin, 0}, {kMax, 64}}) {
         rig.read(ChunkBytes(0, 1).field(16, stored).field(20, 64 - taken), false);
         EXPECT_EQ(rig.bendUp, taken);
         EXPECT_EQ(rig.bendDown, 64 - taken);
@@ -172,24 +167,12 @@ TEST(ChunkReader, bankGoesWhereItsIndexOrTheFilePutsIt)
         int currentBank, first;
     };
     const Row rows[] = {
-        {128, 16, 0,    false, 1, 0  },
-        {128, 16, 1,    false, 0, 128},
-        {128, 16, 2,    false, 0, 256},
-        {128, 12, 2,    false, 0, 256},
-        {128, 11, 2,    false, 0, 0  },
-        {127, 16, 2,    false, 0, 0  },
-        {129, 16, 1,    false, 0, 0  },
-        {384, 16, 1,    false, 2, 0  },
-        {128, 16, 3,    false, 2, 0  },
-        {128, 16, 4,    false, 2, 0  },
-        {128, 16, -1,   false, 2, 0  },
-        {128, 16, kMin, false, 2, 0  },
-        {128, 16, kMax, false, 2, 0  },
-        {128, 16, 0,    true,  2, 256},
-        {128, 16, 2,    true,  1, 128},
-        {128, 16, 3,    true,  1, 128},
-        {128, 11, 2,    true,  1, 0  },
-        {1,   16, 2,    true,  1, 0  },
+        {128, 16, 0, false, 1, 0},    {128, 16, 1, false, 0, 128}, {128, 16, 2, false, 0, 256},
+        {128, 12, 2, false, 0, 256},  {128, 11, 2, false, 0, 0},   {127, 16, 2, false, 0, 0},
+        {129, 16, 1, false, 0, 0},    {384, 16, 1, false, 2, 0},   {128, 16, 3, false, 2, 0},
+        {128, 16, 4, false, 2, 0},    {128, 16, -1, false, 2, 0},  {128, 16, kMin, false, 2, 0},
+        {128, 16, kMax, false, 2, 0}, {128, 16, 0, true, 2, 256},  {128, 16, 2, true, 1, 128},
+        {128, 16, 3, true, 1, 128},   {128, 11, 2, true, 1, 0},    {1, 16, 2, true, 1, 0},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(::testing::PrintToString(row.index) + " of version " +
@@ -228,11 +211,7 @@ TEST(ChunkReader, bankSelectsItsProgramWrappedIntoTheStore)
 
 TEST(ChunkReader, onlyHostBanksSetTheEngineVersion)
 {
-    for (auto [version, slow] : {
-             std::pair(14, true), {15,   false},
-               {-3,   true },
-               {kMax, false}
-    }) {
+    for (auto [version, slow] : {std::pair(14, true), {15, false}, {-3, true}, {kMax, false}}) {
         Rig rig;
         rig.read(ChunkBytes(128).field(32, version), false);
         EXPECT_EQ(rig.engineVersion, version);
@@ -253,12 +232,8 @@ TEST(ChunkReader, singleProgramComesFromTheRightRecordAndReplacesOnlyTheCurrent)
         int count, version, field, source;
     };
     const Row rows[] = {
-        {128, 16, 5,   5  },
-        {128, 12, 200, 72 },
-        {128, 16, 383, 127},
-        {128, 11, 100, 100},
-        {384, 16, 200, 200},
-        {1,   16, 0,   0  },
+        {128, 16, 5, 5},     {128, 12, 200, 72},  {128, 16, 383, 127},
+        {128, 11, 100, 100}, {384, 16, 200, 200}, {1, 16, 0, 0},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.field);
