@@ -116,15 +116,7 @@ struct WaveMove {
     int from, to;
 };
 constexpr WaveMove kWaveMoves[] = {
-    {62, 67},
-    {43, 60},
-    {44, 61},
-    {45, 62},
-    {46, 63},
-    {48, 64},
-    {24, 45},
-    {2,  44},
-    {25, 43},
+    {62, 67}, {43, 60}, {44, 61}, {45, 62}, {46, 63}, {48, 64}, {24, 45}, {2, 44}, {25, 43},
 };
 
 int currentWave(int oldWave)
@@ -171,51 +163,52 @@ constexpr std::int64_t kEveryVersion = std::numeric_limits<std::int64_t>::max();
 // The paths differ so that old projects and old single programs both keep sounding as they did.
 // Steps that share values stand in the order of their versions; the others do not touch each other.
 constexpr Conversion kConversions[] = {
-    {kEveryVersion,         true,  false, clearVoiceSwitches       },
-    {kFirstBalancedVersion, false, true,  rebalanceRingModulation  },
-    {5,                     false, true,  resetSyncAndModEnvelope  },
-    {5,                     false, true,  straightenSineLfos       },
-    {5,                     false, true,  syncIdleArpeggiator      },
-    {kEveryVersion,         true,  false, syncIdleArpeggiator      },
-    {8,                     true,  true,  copyLeftDelayRateToRight },
-    {9,                     true,  true,  halvePolyphony           },
-    {11,                    false, true,  widenFilterTypeAmounts   },
-    {12,                    true,  true,  moveModulatedFmIntoMatrix},
-    {12,                    true,  true,  quarterFm                },
-    {13,                    true,  true,  renumberWaves            },
-    {14,                    true,  true,  squareFineAmounts        },
-    {16,                    true,  true,  resetEffectOrder         },
+    {kEveryVersion, true, false, clearVoiceSwitches},
+    {kFirstBalancedVersion, false, true, rebalanceRingModulation},
+    {5, false, true, resetSyncAndModEnvelope},
+    {5, false, true, straightenSineLfos},
+    {5, false, true, syncIdleArpeggiator},
+    {kEveryVersion, true, false, syncIdleArpeggiator},
+    {8, true, true, copyLeftDelayRateToRight},
+    {9, true, true, halvePolyphony},
+    {11, false, true, widenFilterTypeAmounts},
+    {12, true, true, moveModulatedFmIntoMatrix},
+    {12, true, true, quarterFm},
+    {13, true, true, renumberWaves},
+    {14, true, true, squareFineAmounts},
+    {16, true, true, resetEffectOrder},
 };
 
+// Three letters as one number, because every load compares 384 names with all prefixes.
+constexpr std::uint32_t prefixCode(std::string_view text)
+{
+    const auto byte = [&](std::size_t i) { return static_cast<std::uint8_t>(text[i]); };
+    return static_cast<std::uint32_t>(byte(0) << 16 | byte(1) << 8 | byte(2));
+}
+
 struct CategoryPrefix {
-    std::string_view prefix;
+    std::uint32_t code;
     int category;
 };
 constexpr CategoryPrefix kCategoryPrefixes[] = {
-    {"ARP", 1 },
-    {"SEQ", 1 },
-    {"BAS", 2 },
-    {"CHD", 3 },
-    {"DRM", 4 },
-    {"KEY", 5 },
-    {"LED", 6 },
-    {"MAL", 7 },
-    {"PAD", 8 },
-    {"PLK", 9 },
-    {"SFX", 10},
-    {"EFX", 10},
-    {"SYN", 11},
-    {"TEX", 12},
-    {"ATM", 12},
-    {"WND", 13},
+    {prefixCode("ARP"), 1},  {prefixCode("SEQ"), 1},  {prefixCode("BAS"), 2},
+    {prefixCode("CHD"), 3},  {prefixCode("DRM"), 4},  {prefixCode("KEY"), 5},
+    {prefixCode("LED"), 6},  {prefixCode("MAL"), 7},  {prefixCode("PAD"), 8},
+    {prefixCode("PLK"), 9},  {prefixCode("SFX"), 10}, {prefixCode("EFX"), 10},
+    {prefixCode("SYN"), 11}, {prefixCode("TEX"), 12}, {prefixCode("ATM"), 12},
+    {prefixCode("WND"), 13},
 };
+constexpr std::size_t kPrefixLetters = 3;
 constexpr std::size_t kPrefixLength = 4; // with the separator behind it
 
 void takeCategoryFromName(ProgramStore& store, int program)
 {
     const std::string_view name = store.name(program);
+    if (name.size() < kPrefixLetters)
+        return;
+    const std::uint32_t code = prefixCode(name);
     for (const CategoryPrefix& row : kCategoryPrefixes) {
-        if (!name.starts_with(row.prefix))
+        if (row.code != code)
             continue;
         store.setValue(program, kPatchCategory, static_cast<float>(row.category));
         std::array<char, sizeof(ProgramRecord::name)> rest{}; // the name's own bytes get replaced
