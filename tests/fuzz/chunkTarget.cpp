@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::uint32_t kMostPrograms = 400;
 constexpr std::uint32_t kFewPrograms = 4;
-constexpr std::uint32_t kDose = 32;
+constexpr std::uint32_t kDose = 128;
 
 // The same answer for the same input, so that findings repeat; true for one of `n`.
 bool isOneOf(std::uint32_t n, Input input)
