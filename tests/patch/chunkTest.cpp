@@ -272,7 +272,7 @@ TEST(ChunkReader, hostileRecordsEndInTextsThatEndAndFiniteValues)
     const float bad[] = {std::numeric_limits<float>::quiet_NaN(),
                          std::numeric_limits<float>::infinity(), -1.0e38f, 3.0e38f, -1.0f / 3.0f};
     for (int version = 2; version <= 16; ++version)
-        for (std::size_t each : {1840, 1104})
+        for (std::size_t each : {1840u, 1104u})
             for (bool isPreset : {false, true}) {
                 Rig rig;
                 ChunkBytes chunk(3, version, each);

@@ -175,7 +175,7 @@ TEST_F(PresetFile, otherPluginsAndDamagedFilesChangeNothing)
     EXPECT_THAT(plugin.log, IsEmpty());
 
     Bytes freeMagics = good; // magics and versions are not looked at, more bytes do no harm
-    for (std::size_t i : {0, 1, 2, 3, 8, 12, 15, 23, 27})
+    for (std::size_t i : {0u, 1u, 2u, 3u, 8u, 12u, 15u, 23u, 27u})
         freeMagics[i] = 0x77;
     freeMagics.push_back(1);
     store(file, freeMagics);
@@ -206,7 +206,7 @@ TEST_F(PresetFile, aFullDiskLeavesTheOlderFile)
 {
     const std::string file = path("c.fxb");
     store(file, {1, 2, 3});
-    for (rlim_t room : {0, 100, 100000, 235719}) {
+    for (rlim_t room : {0u, 100u, 100000u, 235719u}) {
         const FileSizeLimit limit(room);
         EXPECT_FALSE(transferFile(file, FileMode::saveBank, plugin)) << room;
         EXPECT_EQ(contents(file), (Bytes{1, 2, 3}));
