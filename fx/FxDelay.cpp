@@ -1,0 +1,328 @@
+#include "fx/FxDelay.h"
+
+#include <algorithm>
+#include <bit>
+
+namespace tolm {
+
+namespace {
+
+constexpr std::uint32_t kRingMask = FxDelay::kRingFrames - 1;
+constexpr double kLongestRight = FxDelay::kRingFrames - 2.0;
+constexpr double kSlowestTempo = 1.0;
+constexpr double kFastestTempo = 1000.0;
+constexpr float kMostSweep = 1000.0f; // more depth than the modulation matrix can add up to
+
+// Note values in 1/64 of a beat: dotted, straight and triplet, from the whole note to the 1/64.
+constexpr std::array kNotes = {
+    384.0,    256.0, 512.0 / 3, 192.0,    128.0, 256.0 / 3, 96.0,     64.0, 128.0 / 3, 48.0,   32.0,
+    64.0 / 3, 24.0,  16.0,      32.0 / 3, 12.0,  8.0,       16.0 / 3, 6.0,  4.0,       8.0 / 3};
+constexpr double kUnitSeconds = 0.9375; // 1/64 beat at one beat per minute
+
+// Diffuser lengths at 44.1 kHz: [channel][in order]
+constexpr float kDiffuserFrames[2][2] = {{100.0f, 292.0f}, {80.0f, 290.1f}};
+
+// Full feedback never dies away, and resonates where its filter lets it. What enters a ring stays
+// below this, 48 dB over full scale.
+constexpr float kRingLimit = 256.0f;
+
+float limitWrite(float value)
+{
+    return std::min(std::max(-kRingLimit, value), kRingLimit);
+}
+
+// Integer and fractional delay of both taps. Adding 1.5 * 2^42 makes a double count in 1/1024, so
+// the integer part is read from its bits, faster than by floor().
+struct TapTime {
+    std::uint32_t frames;
+    float fraction;
+};
+TapTime splitDelay(double delayFrames)
+{
+    constexpr double kMagic = 6597069766656.0;
+    const std::int64_t steps =
+        std::bit_cast<std::int64_t>(delayFrames + kMagic) - std::bit_cast<std::int64_t>(kMagic);
+    const std::int64_t whole = steps >> 10;
+    return {static_cast<std::uint32_t>(whole),
+            static_cast<float>(delayFrames - static_cast<double>(whole))};
+}
+
+TapTime sweptDelay(const FxDelay::Block& block, std::uint32_t phase)
+{
+    const std::uint32_t i = phase >> kTableShift;
+    const float f = static_cast<float>((phase >> 5) & 0xFFFF) / 65536.0f;
+    const float* table = block.modulation.table;
+    const float m = table[i] * (1.0f - f) + table[(i + 1) & kTableMask] * f;
+    return splitDelay(static_cast<double>(m) * block.sweepFrames + block.delayFrames);
+}
+
+float readTap(const float* ring, std::uint32_t base, const TapTime& time)
+{
+    const float newer = ring[(base - time.frames) & kRingMask];
+    const float older = ring[(base - time.frames - 1) & kRingMask];
+    return newer * (1.0f - time.fraction) + older * time.fraction;
+}
+
+// What one frame of a mode gets and gives.
+struct Frame {
+    float inLeft, inRight;
+    float outLeft, outRight;     // wet
+    float writeLeft, writeRight; // into the rings
+};
+
+// The open filter keeps its memory up to date, so that turning the colour does not click.
+template <bool pass>
+float colour(OnePoleMemory& filter, const OnePole& coefficients, float x)
+{
+    if constexpr (!pass)
+        return filter.run(coefficients, x);
+    filter.x1 = filter.y1 = x;
+    return x;
+}
+template <bool pass>
+float colourFlushed(OnePoleMemory& filter, const OnePole& coefficients, float x)
+{
+    return filter.y1 = flushTiny(colour<pass>(filter, coefficients, x));
+}
+
+// Each mode is a struct with a function of this form; `pass` says that the colour filter is open.
+// Separate sides. Feedback is subtracted.
+template <bool diffuse>
+struct Sides {
+    static constexpr bool kRightFromLeftRing = false;
+    static constexpr bool kWritesRight = true;
+
+    template <bool pass>
+    static void run(FxDelay::Filters& filters, [[maybe_unused]] FxDelay::Diffusers& diffusers,
+                    const FxDelay::Block& b, float tapLeft, float tapRight, Frame& frame)
+    {
+        if constexpr (diffuse) {
+            tapLeft = diffusers[0][1].run(diffusers[0][0].run(tapLeft));
+            tapRight = diffusers[1][1].run(diffusers[1][0].run(tapRight));
+        }
+        const float left = colourFlushed<pass>(filters[0], b.colour, tapLeft);
+        const float right = colourFlushed<pass>(filters[1], b.colour, tapRight);
+        frame.outLeft = left;
+        frame.outRight = right;
+        frame.writeLeft = frame.inLeft - b.feedback * left;
+        frame.writeRight = frame.inRight - right * b.rightFeedback;
+    }
+};
+
+// The repeats change sides: the left ring takes the input, the right one what comes out of the
+// left, and back. Each output has the opposite tap and a share of its own. Only the way from left
+// to right is coloured.
+struct PingPong {
+    static constexpr bool kRightFromLeftRing = false;
+    static constexpr bool kWritesRight = true;
+
+    template <bool pass>
+    static void run(FxDelay::Filters& filters, FxDelay::Diffusers&, const FxDelay::Block& b,
+                    float tapLeft, float tapRight, Frame& frame)
+    {
+        const float left = colour<pass>(filters[0], b.colour, tapLeft);
+        const float right = flushTiny(tapRight);
+        frame.outLeft = b.ownShare * left + right;
+        frame.outRight = left + b.ownShare * right;
+        const float fedBack = filters[0].y1 = flushTiny(left);
+        frame.writeLeft = (frame.inLeft + frame.inRight) * 0.5f - right * b.feedback;
+        frame.writeRight = -b.feedback * fedBack;
+    }
+};
+
+// Two taps on the left ring, which alone is written. Here feedback is added.
+struct MultiTap {
+    static constexpr bool kRightFromLeftRing = true;
+    static constexpr bool kWritesRight = false;
+
+    template <bool pass>
+    static void run(FxDelay::Filters& filters, FxDelay::Diffusers&, const FxDelay::Block& b,
+                    float tapLeft, float tapRight, Frame& frame)
+    {
+        const float left = colourFlushed<pass>(filters[0], b.colour, tapLeft);
+        const float right = colourFlushed<pass>(filters[1], b.colour, tapRight);
+        frame.outLeft = left * 0.95f + right * 0.05f;
+        frame.outRight = right;
+        frame.writeLeft =
+            (frame.inLeft + frame.inRight) * 0.5f + (left + right) * 0.5f * b.rightFeedback;
+    }
+};
+
+template <class Mode, bool pass>
+void runMode(FxDelay::State& state, const FxDelay::Block& settings, float* left, float* right)
+{
+    // Copies, which stores to the rings cannot touch.
+    const FxDelay::Block block = settings;
+    FxDelay::Filters filters = state.filters;
+    float* const leftRing = state.rings[0].data();
+    float* const rightRing = state.rings[1].data();
+    std::uint32_t position = state.writePosition;
+    std::uint32_t rightBase = block.rightBase;
+    std::uint32_t phase = block.modulation.phase;
+    const auto increment = static_cast<std::uint32_t>(block.modulation.increment);
+    for (int i = 0; i < block.frames; ++i) {
+        const TapTime time = sweptDelay(block, phase);
+        phase += increment;
+        const float tapLeft = readTap(leftRing, position, time);
+        const float tapRight =
+            readTap(Mode::kRightFromLeftRing ? leftRing : rightRing, rightBase, time);
+
+        Frame frame{left[i], right[i], 0.0f, 0.0f, 0.0f, 0.0f};
+        Mode::template run<pass>(filters, state.diffusers, block, tapLeft, tapRight, frame);
+        left[i] = frame.inLeft * block.dry + frame.outLeft * block.wet;
+        right[i] = frame.inRight * block.dry + frame.outRight * block.wet;
+
+        leftRing[position] = limitWrite(frame.writeLeft);
+        if constexpr (Mode::kWritesRight)
+            rightRing[position] = limitWrite(frame.writeRight);
+        position = (position + 1) & kRingMask;
+        ++rightBase;
+    }
+    state.filters = filters;
+    state.writePosition = position;
+}
+
+using RunMode = void (*)(FxDelay::State&, const FxDelay::Block&, float*, float*);
+struct ModeRow {
+    RunMode coloured, plain;
+    float ownShare;
+};
+template <class Mode>
+constexpr ModeRow modeRow(float ownShare = 0.0f)
+{
+    return {runMode<Mode, false>, runMode<Mode, true>, ownShare};
+}
+constexpr std::array<ModeRow, FxDelay::kModeCount> kModes = {
+    modeRow<Sides<false>>(),  // Simple
+    modeRow<PingPong>(0.0f),  // Ping-Pong
+    modeRow<PingPong>(0.25f), // PP 75%
+    modeRow<PingPong>(0.5f),  // PP 50%
+    modeRow<PingPong>(0.75f), // PP 25%
+    modeRow<PingPong>(0.9f),  // PP 10%
+    modeRow<MultiTap>(),      // Multi-Tap
+    modeRow<Sides<true>>(),   // Diffuse
+    modeRow<Sides<true>>(),   // Diffuse
+};
+
+constexpr std::array<float, kTableSize> kNoSweep{};
+
+} // namespace
+
+FxDelay::FxDelay()
+{
+    for (auto& ring : state_.rings)
+        ring.assign(kRingFrames, 0.0f);
+    setSampleRate(44100.0);
+}
+
+void FxDelay::setSampleRate(double hz)
+{
+    setRate(static_cast<float>(hz));
+    const auto ratio = static_cast<float>(sampleRateHz() / 44100.0);
+    for (std::size_t c = 0; c < 2; ++c) {
+        for (std::size_t k = 0; k < 2; ++k) {
+            DelayDiffuser& diffuser = state_.diffusers[c][k];
+            const int length = static_cast<int>(ratio * kDiffuserFrames[c][k]);
+            diffuser.length = std::clamp(length, 1, DelayDiffuser::kCells);
+            diffuser.index = std::min(diffuser.index, diffuser.length - 1);
+        }
+    }
+}
+
+void FxDelay::reset()
+{
+    state_.filters = {};
+    if (cleared_)
+        return;
+    for (auto& ring : state_.rings)
+        std::fill(ring.begin(), ring.end(), 0.0f);
+    for (auto& channel : state_.diffusers) {
+        for (DelayDiffuser& diffuser : channel) {
+            std::fill(diffuser.cells.begin(), diffuser.cells.end(), 0.0f);
+            diffuser.index = 0;
+        }
+    }
+    cleared_ = true;
+}
+
+// Middle position: the filter passes everything. Below it darkens, above it thins out.
+void FxDelay::setColour(float value)
+{
+    const int k = static_cast<int>(value * 128.0f);
+    const double x = (k - 64) / 64.01;
+    colourPasses_ = k == 64;
+    if (x <= 0.0)
+        colour_ = lowpassCoefficients(curve(x + 1.0, 200.0, 20000.0));
+    else
+        colour_ = highpassCoefficients(curve(x, 20.0, 15000.0));
+}
+
+void FxDelay::setParameter(int index, float value)
+{
+    switch (index) {
+    case type:
+        mode_ = std::clamp(static_cast<int>(value * 128.0f) / 16, 0, kModeCount - 1);
+        break;
+    case feedback1:
+        feedback_ = value;
+        break;
+    case steps1:
+        stepsLeft_ = value;
+        break;
+    case steps2:
+        stepsRight_ = value;
+        break;
+    case colour:
+        setColour(value);
+        break;
+    case dryWet:
+        wet_ = value * value;
+        break;
+    default:
+        break;
+    }
+}
+
+double FxDelay::noteFrames(float steps, double tempo) const
+{
+    const int index = static_cast<int>(steps * 20.001f);
+    const int last = static_cast<int>(kNotes.size()) - 1;
+    const double unit = sampleRateHz() * kUnitSeconds / tempo;
+    return std::trunc(unit * kNotes[static_cast<std::size_t>(std::clamp(index, 0, last))]);
+}
+
+void FxDelay::process(int frames, float* const* channels, float tempo,
+                      const DelayModulation& modulation)
+{
+    const double bpm = static_cast<double>(tempo);
+    const double saneBpm = bpm >= kSlowestTempo && bpm <= kFastestTempo ? bpm : kDefaultTempo;
+    // A left time beyond the ring wraps around it; only the right one is held.
+    const double left = noteFrames(stepsLeft_, saneBpm);
+    const double right = std::min(noteFrames(stepsRight_, saneBpm), kLongestRight);
+    const auto ahead = static_cast<std::int64_t>(left - right);
+
+    Block block;
+    block.frames = frames;
+    block.rightBase = state_.writePosition + static_cast<std::uint32_t>(ahead);
+    block.modulation = modulation;
+    if (modulation.table == nullptr)
+        block.modulation.table = kNoSweep.data();
+    const float depth = std::clamp(modulation.depth, -kMostSweep, kMostSweep);
+    block.delayFrames = left;
+    block.sweepFrames = static_cast<double>(depth) * 0.5 * left;
+    block.colour = colour_;
+    block.wet = wet_;
+    block.dry = 1.0f - wet_;
+    block.feedback = feedback_;
+    // Both sides lose as much per second, however different their times are.
+    block.rightFeedback = std::pow(feedback_, static_cast<float>(right / std::max(left, 1.0)));
+    const ModeRow& row = kModes[static_cast<std::size_t>(mode_)];
+    block.ownShare = row.ownShare;
+
+    (colourPasses_ ? row.plain : row.coloured)(state_, block, channels[0], channels[1]);
+    for (OnePoleMemory& filter : state_.filters)
+        filter.y1 = flushTiny(filter.y1);
+    cleared_ = false;
+}
+
+} // namespace tolm
