@@ -2,8 +2,14 @@
 // The six effects behind the engine. The program decides in which order they run; the block driver
 // walks its slots and calls `process` for each. Audio thread only.
 
-#include "fx/Module.h"
+#include "engine/constants.h"
+#include "fx/DelayModulation.h"
+#include "fx/FxDelay.h"
+#include "fx/FxReverb.h"
+#include "fx/FxVintagePhaser.h"
 #include "fx/Random.h"
+#include "fx/distortion.h"
+#include "fx/equaliser.h"
 
 #include <array>
 #include <cstdint>
@@ -18,14 +24,6 @@ enum class EffectKind : std::int32_t {
     phaser = 3,
     delay = 4,
     reverb = 5,
-};
-
-// How LFO 2 sweeps the delay time: written once per block by the engine's global modulation pass.
-struct DelayModulation {
-    std::int32_t increment = 0; // of the phase, per frame
-    std::uint32_t phase = 0;    // a whole turn is 2^32
-    float depth = 0.0f;
-    const float* table = nullptr; // 2048 entries -1..1, LFO 2's shape; entry 2048 is entry 0
 };
 
 class EffectChain {
@@ -45,7 +43,14 @@ public:
                  const DelayModulation& modulation);
 
 private:
-    Random& random_;
+    void setSetting(EffectKind kind, int index, float value);
+
+    Distortion distortion_;
+    EqualiserBand equaliser1_;
+    EqualiserBand equaliser2_;
+    FxVintagePhaser phaser_;
+    FxDelay delay_;
+    FxReverb reverb_;
     std::array<bool, kEffectSlots> on_{}; // by EffectKind
 };
 
