@@ -8,6 +8,15 @@ namespace {
 
 constexpr float kGainRangeDb = 10.0f;
 
+// Steps of a knob stay below these ratios, however fast it turns.
+constexpr float kFrequencyJump = 2.0f;
+constexpr float kQJump = 4.0f;
+
+bool isFar(float a, float b, float ratio)
+{
+    return a > b * ratio || b > a * ratio;
+}
+
 double flush(double value)
 {
     return std::abs(value) < 1e-9 ? 0.0 : value;
@@ -91,10 +100,26 @@ Biquad EqualiserBand::coefficients() const
     }
 }
 
+// A filter low and narrow takes the last two outputs of a different one for the start of a swing
+// that can be hundreds of times louder than the signal. After a jump the memory is therefore that
+// of a band at 0 dB.
+void EqualiserBand::softenJump()
+{
+    if (type_ != lastShape_.type || isFar(frequencyHz_, lastShape_.frequencyHz, kFrequencyJump) ||
+        isFar(q_, lastShape_.q, kQJump)) {
+        for (Memory& m : memory_) {
+            m.y1 = m.x1;
+            m.y2 = m.x2;
+        }
+    }
+    lastShape_ = {type_, frequencyHz_, q_};
+}
+
 // Both channels side by side: the recursion is serial, and two of them overlap. Terms are paired so
 // that a band at 0 dB, where b = a, returns its input bit by bit.
 void EqualiserBand::process(int frames, float* const* channels)
 {
+    softenJump();
     const Biquad f = coefficients();
     std::array<Memory, 2> memory = memory_;
     for (int i = 0; i < frames; ++i) {

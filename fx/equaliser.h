@@ -28,6 +28,12 @@ private:
     struct Memory {
         double x1 = 0.0, y1 = 0.0, x2 = 0.0, y2 = 0.0;
     };
+    struct Shape {
+        Type type;
+        float frequencyHz, q;
+    };
+
+    void softenJump();
 
     Biquad coefficients() const;
     Biquad peaking() const;
@@ -39,6 +45,7 @@ private:
     float q_ = 0.1f;            // 0.1..10; only the peaking filter has one
     float gain_ = 1.0f;         // linear
     std::array<Memory, 2> memory_;
+    Shape lastShape_{Type::peaking, 10.0f, 0.1f}; // of the block before
 };
 
 } // namespace tolm

@@ -1,0 +1,266 @@
+#include "fx/effectChain.h"
+#include "plugin/catalogue.h"
+#include "tests/fx/rig.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+
+namespace tolm {
+
+namespace {
+
+constexpr EffectKind kKinds[] = {EffectKind::distortion, EffectKind::equaliser1,
+                                 EffectKind::equaliser2, EffectKind::phaser,
+                                 EffectKind::delay,      EffectKind::reverb};
+constexpr int kSwitches[] = {kDistOn, kEq1On, kEq2On, kPhaserOn, kDelayOn, kReverbOn};
+
+struct Rig {
+    Random random{11};
+    EffectChain chain{random};
+    DelayModulation modulation;
+
+    void set(int id, float value) { chain.setParameter(id, value); }
+    void setAll(float value)
+    {
+        for (int id = kPhaserType; id <= kEq2Gain; ++id)
+            set(id, value);
+    }
+    void switchAll(float value)
+    {
+        for (const int id : kSwitches)
+            set(id, value);
+    }
+    void run(Stereo& s, std::initializer_list<int> slots, float tempo = 120.0f)
+    {
+        s.inBlocks([&](int n, float* const* ch) {
+            for (const int slot : slots)
+                chain.process(slot, n, ch, tempo, modulation);
+        });
+    }
+};
+
+} // namespace
+
+TEST(EffectChain, everySwitchReachesItsEffectAboveTheThreshold)
+{
+    for (std::size_t k = 0; k < 6; ++k) {
+        Rig rig;
+        for (const EffectKind kind : kKinds)
+            EXPECT_FALSE(rig.chain.isOn(kind));
+        rig.set(kSwitches[k], 0.001f);
+        EXPECT_FALSE(rig.chain.isOn(kKinds[k]));
+        rig.set(kSwitches[k], 0.0011f);
+        for (const EffectKind kind : kKinds)
+            EXPECT_EQ(rig.chain.isOn(kind), kind == kKinds[k]);
+    }
+}
+
+// Each id changes the sound of its own effect and of no other.
+TEST(EffectChain, everySettingReachesItsEffect)
+{
+    struct Row {
+        int first, last;
+        EffectKind kind;
+    };
+    const Row rows[] = {
+        {kPhaserType, 84, EffectKind::phaser},   {kDelayType, 90, EffectKind::delay},
+        {kReverbType, 96, EffectKind::reverb},   {kDistType, kDistAmount, EffectKind::distortion},
+        {kEq1Type, 104, EffectKind::equaliser1}, {kEq2Type, kEq2Gain, EffectKind::equaliser2}};
+    const auto sound = [](int changedId, EffectKind kind) {
+        Rig rig;
+        rig.setAll(0.3f);
+        rig.switchAll(1.0f);
+        if (changedId >= 0)
+            rig.set(changedId, 0.8f);
+        Stereo s = Stereo::noise(18000, 0.5f);
+        rig.run(s, {static_cast<int>(kind)}, 240.0f);
+        return s;
+    };
+    for (const EffectKind kind : kKinds) {
+        const Stereo plain = sound(-1, kind);
+        for (const Row& row : rows) {
+            for (int id = row.first; id <= row.last; ++id) {
+                // The Q only shapes the peaking type.
+                const Stereo changed = sound(id, kind);
+                const float change = std::max(distance(plain.left, changed.left),
+                                              distance(plain.right, changed.right));
+                if (row.kind == kind)
+                    EXPECT_GT(change, 1e-4f) << id;
+                else
+                    EXPECT_EQ(change, 0.0f) << id;
+            }
+        }
+    }
+}
+
+TEST(EffectChain, slotsRunInOrderTwiceOrNotAtAll)
+{
+    Rig rig;
+    rig.switchAll(1.0f);
+    rig.set(kDistType, 0.8f); // gain alone, through an open low-pass
+    rig.set(kDistColour, 1.0f);
+    rig.set(kDistDrive, 1.0f); // times 4
+    rig.set(kDistAmount, 1.0f);
+    const auto firstSample = [&](std::initializer_list<int> slots) {
+        Stereo s = Stereo::impulse(1, 0.125f, 0.0f);
+        rig.run(s, slots);
+        return s.left[0];
+    };
+    EXPECT_NEAR(firstSample({0}), 0.5f, 1e-6f);
+    EXPECT_NEAR(firstSample({0, 0}), 2.0f, 1e-5f);
+    EXPECT_EQ(firstSample({-1, 6, 7, 1000000}), 0.125f);
+    rig.set(kDistOn, 0.0f);
+    EXPECT_EQ(firstSample({0, 0}), 0.125f);
+}
+
+// A clipper before and after a 10 dB boost are two different sounds.
+TEST(EffectChain, orderOfSlotsIsHeard)
+{
+    const auto peak = [](std::initializer_list<int> slots) {
+        Rig rig;
+        rig.switchAll(1.0f);
+        rig.set(kEq1Type, 0.5f); // low shelf
+        rig.set(kEq1Type + 1, 1.0f);
+        rig.set(kEq1Type + 3, 1.0f);
+        rig.set(kDistType, 0.0f);
+        rig.set(kDistColour, 1.0f);
+        rig.set(kDistAmount, 1.0f); // tanh(x)
+        Stereo s = Stereo::sine(4000, 100.0, 44100.0);
+        rig.run(s, slots);
+        return s.peak();
+    };
+    EXPECT_NEAR(peak({1, 0}), std::tanh(std::sqrt(10.0)), 0.01);
+    EXPECT_NEAR(peak({0, 1}), std::tanh(1.0) * std::sqrt(10.0), 0.03);
+}
+
+TEST(EffectChain, switchingOffKeepsTheState)
+{
+    Rig rig;
+    rig.set(kDelayOn, 1.0f);
+    rig.set(kDelayType + 1, 0.5f); // colour
+    rig.set(kDelayType + 3, 1.0f); // amount
+    rig.set(kDelayRateLeft, 1.0f); // 1/64T: 20.8 ms at 120
+    Stereo s = Stereo::impulse(10, 1.0f, 0.0f);
+    rig.run(s, {4});
+    rig.set(kDelayOn, 0.0f);
+    Stereo dry = Stereo::noise(500, 0.5f);
+    const Stereo before = dry;
+    rig.run(dry, {4});
+    EXPECT_EQ(dry.left, before.left);
+    rig.set(kDelayOn, 1.0f);
+    Stereo wet(1000);
+    rig.run(wet, {4});
+    EXPECT_NEAR(wet.left[918 - 10], 1.0f, 1e-6f);
+}
+
+TEST(EffectChain, resetClearsPhaserDelayAndReverbOnly)
+{
+    Rig rig;
+    rig.setAll(0.4f);
+    rig.switchAll(1.0f);
+    for (const int slot : {0, 1, 2, 3, 4, 5}) {
+        Stereo s = Stereo::noise(6000, 0.5f);
+        rig.run(s, {slot});
+        rig.chain.reset();
+        Stereo quiet(6000);
+        rig.run(quiet, {slot});
+        if (slot < 3)
+            EXPECT_GT(quiet.peak(), 1e-6f) << slot;
+        else
+            EXPECT_LT(quiet.peak(), 1e-12f) << slot;
+    }
+}
+
+// A new rate starts the reverb as "Room", undamped, and amounts stay.
+TEST(EffectChain, rateChangeLeavesDefaultsUntilSettingsReturn)
+{
+    Rig a, b;
+    for (Rig* rig : {&a, &b}) {
+        rig->switchAll(1.0f);
+        rig->set(kReverbType + 3, 1.0f);
+    }
+    a.set(kReverbType, 1.0f);
+    a.set(kReverbType + 2, 0.0f);
+    a.chain.setSampleRate(48000.0);
+    b.chain.setSampleRate(48000.0);
+    Stereo s = Stereo::impulse(30000, 1.0f, 1.0f);
+    Stereo t = s;
+    a.run(s, {5});
+    b.run(t, {5});
+    EXPECT_LT(distance(s.left, t.left), 0.3f); // the diffuse taps are drawn anew
+    EXPECT_NEAR(energy(s.left, 20000, 30000) / energy(t.left, 20000, 30000), 1.0, 0.1);
+}
+
+// Every type of every effect, all settings at their ends and jumping, noise at full level, rates
+// from lowest to highest, an LFO that sweeps the delay as far as it goes.
+TEST(EffectChain, extremesStayFiniteAndBounded)
+{
+    std::array<float, kTableSize> lfo;
+    for (std::size_t i = 0; i < lfo.size(); ++i)
+        lfo[i] = i < kTableSize / 2 ? 1.0f : -1.0f;
+    Random dice(99);
+    for (const double rate : {1000.0, 8000.0, 44100.0, 384000.0, 768000.0}) {
+        SCOPED_TRACE(rate);
+        Rig rig;
+        rig.chain.setSampleRate(rate);
+        rig.switchAll(1.0f);
+        rig.modulation = {0x01234567, 0x80000000u, 24.0f, lfo.data()};
+        float peak = 0.0f;
+        for (int round = 0; round < 60; ++round) {
+            for (int id = kPhaserType; id <= kEq2Gain; ++id) {
+                constexpr float kEnds[] = {0.0f, 1.0f, 1.0f};
+                const int draw = dice.next() % 4;
+                rig.set(id, draw < 3 ? kEnds[draw] : static_cast<float>(dice.next()) / 32767.0f);
+            }
+            rig.set(kEq1Type + 3, 0.5f); // the equalisers' gain would only scale the bound
+            rig.set(kEq2Type + 3, 0.5f);
+            Stereo s = Stereo::noise(1500, 1.0f, static_cast<std::uint32_t>(round));
+            const float tempo = round % 2 == 0 ? 1.0f : 1000.0f;
+            rig.run(s, {round % 6, (round + 1) % 6, 5, 4, 3, 3}, tempo);
+            peak = std::max(peak, s.peak());
+            if (round % 10 == 9)
+                rig.chain.reset();
+        }
+        EXPECT_TRUE(std::isfinite(peak));
+        EXPECT_LT(peak, 1e6f);
+        EXPECT_GT(peak, 0.5f);
+    }
+}
+
+TEST(EffectChain, settingsThatAreNoNumbersCountAsZero)
+{
+    Rig rig;
+    rig.switchAll(1.0f);
+    for (const float value : {NAN, INFINITY, -INFINITY, 1e30f, -1e30f}) {
+        rig.setAll(value);
+        Stereo s = Stereo::noise(3000, 0.5f);
+        rig.run(s, {0, 1, 2, 3, 4, 5});
+        EXPECT_LT(s.peak(), 1e4f);
+    }
+}
+
+// Full feedback of each effect by itself, sounding on for long.
+TEST(EffectChain, longSustainAtFullFeedbackStaysBounded)
+{
+    for (const double rate : {8000.0, 44100.0}) {
+        for (int type = 0; type < 9; ++type) {
+            for (const int slot : {3, 4, 5}) {
+                Rig rig;
+                rig.chain.setSampleRate(rate);
+                rig.setAll(1.0f);
+                rig.switchAll(1.0f);
+                const float value = std::min(1.0f, (static_cast<float>(type) + 0.2f) / 8.0f);
+                rig.set(kPhaserType, value);
+                rig.set(kDelayType, value);
+                rig.set(kReverbType, value);
+                rig.set(kReverbType + 1, 0.0f); // damp
+                Stereo s = Stereo::noise(40000, 1.0f);
+                rig.run(s, {slot});
+                EXPECT_LT(s.peak(), 600.0f) << rate << " " << type << " " << slot;
+            }
+        }
+    }
+}
+
+} // namespace tolm
