@@ -82,7 +82,9 @@ float colour(OnePoleMemory& filter, const OnePole& coefficients, float x)
 template <bool pass>
 float colourFlushed(OnePoleMemory& filter, const OnePole& coefficients, float x)
 {
-    return filter.y1 = flushTiny(colour<pass>(filter, coefficients, x));
+    colour<pass>(filter, coefficients, x);
+    filter.flushOutput();
+    return filter.y1;
 }
 
 // Each mode is a struct with a function of this form; `pass` says that the colour filter is open.
@@ -124,9 +126,9 @@ struct PingPong {
         const float right = flushTiny(tapRight);
         frame.outLeft = b.ownShare * left + right;
         frame.outRight = left + b.ownShare * right;
-        const float fedBack = filters[0].y1 = flushTiny(left);
+        filters[0].flushOutput();
         frame.writeLeft = (frame.inLeft + frame.inRight) * 0.5f - right * b.feedback;
-        frame.writeRight = -b.feedback * fedBack;
+        frame.writeRight = -b.feedback * filters[0].y1;
     }
 };
 

@@ -1,6 +1,7 @@
 #include "fx/ReverbLines.h"
 
 #include "fx/Module.h"
+#include "fx/onePoleScan.h"
 #include "fx/primes.h"
 
 #include <algorithm>
@@ -31,42 +32,66 @@ int mixedLength(int k, double sampleRateHz)
     return primeAtLeast(static_cast<int>(prime * ratio / 8192));
 }
 
-// Four long lines at a time: within a line each frame waits for the one before, four of them
-// overlap. The stretch ends where the first of them wraps.
+// Four long lines at a time: within a line a stretch waits for the one before, four lines overlap.
 constexpr std::size_t kGroup = 4;
 
-void runGroup(const LineWeight* weights, DelayLines<kReverbLongLines>& lines, float damping,
-              int frames, const float* input, float* __restrict left, float* __restrict right)
-{
-    std::array<std::size_t, kGroup> index;
-    std::array<float, kGroup> state;
+struct LineGroup {
+    const LineWeight* weights;
+    std::array<OnePoleScan, kGroup> pole;
     std::array<float, kGroup> gain;
+    std::array<float*, kGroup> cells;
+
+    // One frame or, with vectors, four.
+    template <class Value>
+    Value runLine(std::size_t k, Value stored, Value input, Value& left, Value& right)
+    {
+        const Value state = pole[k].run(stored * gain[k]);
+        left += weights[k].left * state;
+        right += weights[k].right * state;
+        return weights[k].sign * (state - input);
+    }
+};
+
+// All four lines over a stretch in which none of them wraps.
+void runStretch(LineGroup& lines, int frames, const float* input, float* left, float* right)
+{
+    LineGroup group = lines;
+    int i = 0;
+    for (; i + 4 <= frames; i += 4) {
+        const Frames4 p = load4(input + i);
+        Frames4 sumLeft = load4(left + i);
+        Frames4 sumRight = load4(right + i);
+        for (std::size_t k = 0; k < kGroup; ++k) {
+            float* cells = group.cells[k] + i;
+            store4(cells, group.runLine(k, load4(cells), p, sumLeft, sumRight));
+        }
+        store4(left + i, sumLeft);
+        store4(right + i, sumRight);
+    }
+    for (; i < frames; ++i)
+        for (std::size_t k = 0; k < kGroup; ++k)
+            group.cells[k][i] = group.runLine(k, group.cells[k][i], input[i], left[i], right[i]);
+    lines = group;
+}
+
+void runGroup(const LineWeight* weights, DelayLines<kReverbLongLines>& lines, float damping,
+              int frames, const float* input, float* left, float* right)
+{
+    LineGroup group{};
+    group.weights = weights;
+    std::array<std::size_t, kGroup> index;
     for (std::size_t k = 0; k < kGroup; ++k) {
         index[k] = static_cast<std::size_t>(weights[k].line);
-        state[k] = lines.state[index[k]];
-        gain[k] = lines.gain[index[k]];
+        group.pole[k] = OnePoleScan(1.0f - damping, lines.state[index[k]]);
+        group.gain[k] = lines.gain[index[k]];
     }
-    const float keep = 1.0f - damping;
     for (int done = 0; done < frames;) {
         int run = frames - done;
-        std::array<float*, kGroup> cells;
         for (std::size_t k = 0; k < kGroup; ++k) {
             run = std::min(run, lines.length[index[k]] - lines.position[index[k]]);
-            cells[k] = lines.cells[index[k]] + lines.position[index[k]];
+            group.cells[k] = lines.cells[index[k]] + lines.position[index[k]];
         }
-        for (int i = 0; i < run; ++i) {
-            const float p = input[done + i];
-            float sumLeft = 0.0f;
-            float sumRight = 0.0f;
-            for (std::size_t k = 0; k < kGroup; ++k) {
-                state[k] = state[k] * keep + cells[k][i] * gain[k];
-                cells[k][i] = weights[k].sign * (state[k] - p);
-                sumLeft += weights[k].left * state[k];
-                sumRight += weights[k].right * state[k];
-            }
-            left[done + i] += sumLeft;
-            right[done + i] += sumRight;
-        }
+        runStretch(group, run, input + done, left + done, right + done);
         for (const std::size_t i : index) {
             lines.position[i] += run;
             if (lines.position[i] == lines.length[i])
@@ -75,7 +100,7 @@ void runGroup(const LineWeight* weights, DelayLines<kReverbLongLines>& lines, fl
         done += run;
     }
     for (std::size_t k = 0; k < kGroup; ++k)
-        lines.state[index[k]] = state[k];
+        lines.state[index[k]] = group.pole[k].state();
 }
 
 using MixedBuffers = std::array<ReverbBuffer, kReverbMixedLines>;
@@ -189,14 +214,16 @@ void ReverbLines::runMixed(int frames, const ReverbBuffer& input, ReverbBuffer& 
     MixedBuffers mix;
     for (std::size_t k = 0; k < kReverbMixedLines; ++k) {
         const float gain = mixed_.gain[k];
-        const float loss = mixedLoss_[k];
-        float state = mixed_.state[k];
-        float* out = mix[k].data();
+        OnePoleScan pole(mixedLoss_[k], mixed_.state[k]);
+        float* const out = mix[k].data();
         eachStretch(mixed_, k, frames, [&](const float* cells, int first, int count) {
-            for (int i = 0; i < count; ++i)
-                out[first + i] = state = gain * cells[i] + loss * state;
+            int i = 0;
+            for (; i + 4 <= count; i += 4)
+                store4(out + first + i, pole.run(load4(cells + i) * gain));
+            for (; i < count; ++i)
+                out[first + i] = pole.run(cells[i] * gain);
         });
-        mixed_.state[k] = state;
+        mixed_.state[k] = pole.state();
     }
     walshHadamard(mix, frames);
     for (std::size_t k = 0; k < kReverbMixedLines; ++k) {

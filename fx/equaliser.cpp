@@ -116,7 +116,8 @@ void EqualiserBand::softenJump()
 }
 
 // Both channels side by side: the recursion is serial, and two of them overlap. Terms are paired so
-// that a band at 0 dB, where b = a, returns its input bit by bit.
+// that a band at 0 dB, where b = a, returns its input bit by bit, and the latest output comes in
+// last.
 void EqualiserBand::process(int frames, float* const* channels)
 {
     softenJump();
@@ -126,7 +127,7 @@ void EqualiserBand::process(int frames, float* const* channels)
         for (std::size_t c = 0; c < 2; ++c) {
             Memory& m = memory[c];
             const double x = static_cast<double>(channels[c][i]);
-            const double y = f.b0 * x + (f.b1 * m.x1 - f.a1 * m.y1) + (f.b2 * m.x2 - f.a2 * m.y2);
+            const double y = (f.b0 * x + (f.b2 * m.x2 - f.a2 * m.y2)) + (f.b1 * m.x1 - f.a1 * m.y1);
             m.x2 = m.x1;
             m.x1 = x;
             m.y2 = m.y1;
