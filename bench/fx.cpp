@@ -19,6 +19,7 @@ struct Case {
     EffectKind kind;
     int typeId;
     float type;
+    float sweep = 0.0f; // of the delay time
 };
 
 // The setting that selects type n when `range` is what the effect multiplies it by.
@@ -54,6 +55,7 @@ constexpr Case kCases[] = {
     {"phaser/Flanger+", EffectKind::phaser, kPhaserType, phaserType(3)},
     {"phaser/Chorus II", EffectKind::phaser, kPhaserType, phaserType(6)},
     {"delay/Simple", EffectKind::delay, kDelayType, eighth(0)},
+    {"delay/Simple swept", EffectKind::delay, kDelayType, eighth(0), 0.1f},
     {"delay/Ping-Pong", EffectKind::delay, kDelayType, eighth(1)},
     {"delay/PP 50%", EffectKind::delay, kDelayType, eighth(3)},
     {"delay/Multi-Tap", EffectKind::delay, kDelayType, eighth(6)},
@@ -86,7 +88,7 @@ void runEffect(benchmark::State& state, const Case& c)
     std::array<float, kTableSize> lfo{};
     for (std::size_t i = 0; i < lfo.size(); ++i)
         lfo[i] = static_cast<float>(i) / kTableSize - 0.5f;
-    DelayModulation modulation{50000, 0, 0.1f, lfo.data()};
+    DelayModulation modulation{50000, 0, c.sweep, lfo.data()};
     float* channels[] = {buffer.data(), buffer.data() + kFrames};
 
     for (auto _ : state) {

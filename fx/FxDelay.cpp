@@ -150,7 +150,7 @@ struct MultiTap {
     }
 };
 
-template <class Mode, bool pass>
+template <class Mode, bool pass, bool swept>
 void runMode(FxDelay::State& state, const FxDelay::Block& settings, float* left, float* right)
 {
     // Copies, which stores to the rings cannot touch.
@@ -162,8 +162,9 @@ void runMode(FxDelay::State& state, const FxDelay::Block& settings, float* left,
     std::uint32_t rightBase = block.rightBase;
     std::uint32_t phase = block.modulation.phase;
     const auto increment = static_cast<std::uint32_t>(block.modulation.increment);
+    const TapTime still = splitDelay(block.delayFrames);
     for (int i = 0; i < block.frames; ++i) {
-        const TapTime time = sweptDelay(block, phase);
+        const TapTime time = swept ? sweptDelay(block, phase) : still;
         phase += increment;
         const float tapLeft = readTap(leftRing, position, time);
         const float tapRight =
@@ -186,13 +187,15 @@ void runMode(FxDelay::State& state, const FxDelay::Block& settings, float* left,
 
 using RunMode = void (*)(FxDelay::State&, const FxDelay::Block&, float*, float*);
 struct ModeRow {
-    RunMode coloured, plain;
+    RunMode run[2][2]; // [colour filter open][time swept]
     float ownShare;
 };
 template <class Mode>
 constexpr ModeRow modeRow(float ownShare = 0.0f)
 {
-    return {runMode<Mode, false>, runMode<Mode, true>, ownShare};
+    return {{{runMode<Mode, false, false>, runMode<Mode, false, true>},
+             {runMode<Mode, true, false>, runMode<Mode, true, true>}},
+            ownShare};
 }
 constexpr std::array<ModeRow, FxDelay::kModeCount> kModes = {
     modeRow<Sides<false>>(),  // Simple
@@ -205,8 +208,6 @@ constexpr std::array<ModeRow, FxDelay::kModeCount> kModes = {
     modeRow<Sides<true>>(),   // Diffuse
     modeRow<Sides<true>>(),   // Diffuse
 };
-
-constexpr std::array<float, kTableSize> kNoSweep{};
 
 } // namespace
 
@@ -307,9 +308,8 @@ void FxDelay::process(int frames, float* const* channels, float tempo,
     block.frames = frames;
     block.rightBase = state_.writePosition + static_cast<std::uint32_t>(ahead);
     block.modulation = modulation;
-    if (modulation.table == nullptr)
-        block.modulation.table = kNoSweep.data();
-    const float depth = std::clamp(modulation.depth, -kMostSweep, kMostSweep);
+    const float depth =
+        modulation.table == nullptr ? 0.0f : std::clamp(modulation.depth, -kMostSweep, kMostSweep);
     block.delayFrames = left;
     block.sweepFrames = static_cast<double>(depth) * 0.5 * left;
     block.colour = colour_;
@@ -321,7 +321,8 @@ void FxDelay::process(int frames, float* const* channels, float tempo,
     const ModeRow& row = kModes[static_cast<std::size_t>(mode_)];
     block.ownShare = row.ownShare;
 
-    (colourPasses_ ? row.plain : row.coloured)(state_, block, channels[0], channels[1]);
+    const bool swept = block.sweepFrames != 0.0;
+    row.run[colourPasses_ ? 1 : 0][swept ? 1 : 0](state_, block, channels[0], channels[1]);
     for (OnePoleMemory& filter : state_.filters)
         filter.y1 = flushTiny(filter.y1);
     cleared_ = false;

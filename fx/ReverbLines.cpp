@@ -36,7 +36,7 @@ int mixedLength(int k, double sampleRateHz)
 constexpr std::size_t kGroup = 4;
 
 struct LineGroup {
-    const LineWeight* weights;
+    std::array<LineWeight, kGroup> weights; // copies, which stores to the cells cannot touch
     std::array<OnePoleScan, kGroup> pole;
     std::array<float, kGroup> gain;
     std::array<float*, kGroup> cells;
@@ -53,9 +53,8 @@ struct LineGroup {
 };
 
 // All four lines over a stretch in which none of them wraps.
-void runStretch(LineGroup& lines, int frames, const float* input, float* left, float* right)
+inline void runStretch(LineGroup& group, int frames, const float* input, float* left, float* right)
 {
-    LineGroup group = lines;
     int i = 0;
     for (; i + 4 <= frames; i += 4) {
         const Frames4 p = load4(input + i);
@@ -71,14 +70,13 @@ void runStretch(LineGroup& lines, int frames, const float* input, float* left, f
     for (; i < frames; ++i)
         for (std::size_t k = 0; k < kGroup; ++k)
             group.cells[k][i] = group.runLine(k, group.cells[k][i], input[i], left[i], right[i]);
-    lines = group;
 }
 
 void runGroup(const LineWeight* weights, DelayLines<kReverbLongLines>& lines, float damping,
               int frames, const float* input, float* left, float* right)
 {
-    LineGroup group{};
-    group.weights = weights;
+    LineGroup group;
+    std::copy_n(weights, kGroup, group.weights.begin());
     std::array<std::size_t, kGroup> index;
     for (std::size_t k = 0; k < kGroup; ++k) {
         index[k] = static_cast<std::size_t>(weights[k].line);
