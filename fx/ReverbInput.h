@@ -11,7 +11,7 @@
 namespace tolm {
 
 // The reverb works on stretches of at most this many frames, stage by stage.
-inline constexpr int kReverbChunk = 64;
+inline constexpr int kReverbChunk = 128;
 using ReverbBuffer = std::array<float, kReverbChunk>;
 
 // Cells are repeated beyond the end, so that a chunk with any delay is one contiguous stretch.

@@ -120,8 +120,8 @@ TEST(Reverb, earlyReflectionsStandWhereTheTablesPutThem)
             ring.write(chunk.data(), 64);
             ReverbBuffer left, right;
             early.render(ring, 64, left, right);
-            std::copy(left.begin(), left.end(), s.left.begin() + static_cast<long>(done));
-            std::copy(right.begin(), right.end(), s.right.begin() + static_cast<long>(done));
+            std::copy_n(left.begin(), 64, s.left.begin() + static_cast<long>(done));
+            std::copy_n(right.begin(), 64, s.right.begin() + static_cast<long>(done));
         }
         return s;
     };
