@@ -103,21 +103,30 @@ void runGroup(const LineWeight* weights, DelayLines<kReverbLongLines>& lines, fl
 
 using MixedBuffers = std::array<ReverbBuffer, kReverbMixedLines>;
 
+void butterfly(float* __restrict a, float* __restrict b, int frames)
+{
+    for (int i = 0; i < frames; ++i) {
+        const float sum = a[i] + b[i];
+        b[i] = a[i] - b[i];
+        a[i] = sum;
+    }
+}
+
 // Natural order, not normalised.
 void walshHadamard(MixedBuffers& lines, int frames)
 {
-    for (std::size_t distance = 1; distance < kReverbMixedLines; distance *= 2) {
-        for (std::size_t k = 0; k < kReverbMixedLines; ++k) {
-            if ((k & distance) != 0)
-                continue;
-            float* __restrict a = lines[k].data();
-            float* __restrict b = lines[k + distance].data();
-            for (int i = 0; i < frames; ++i) {
-                const float sum = a[i] + b[i];
-                b[i] = a[i] - b[i];
-                a[i] = sum;
-            }
-        }
+    for (std::size_t distance = 1; distance < kReverbMixedLines; distance *= 2)
+        for (std::size_t k = 0; k < kReverbMixedLines; ++k)
+            if ((k & distance) == 0)
+                butterfly(lines[k].data(), lines[k + distance].data(), frames);
+}
+
+void addWeighted(const float* __restrict line, int frames, float leftWeight, float rightWeight,
+                 float* __restrict left, float* __restrict right)
+{
+    for (int i = 0; i < frames; ++i) {
+        left[i] += leftWeight * line[i];
+        right[i] += rightWeight * line[i];
     }
 }
 
@@ -226,10 +235,7 @@ void ReverbLines::runMixed(int frames, const ReverbBuffer& input, ReverbBuffer& 
     walshHadamard(mix, frames);
     for (std::size_t k = 0; k < kReverbMixedLines; ++k) {
         const float* w = mix[k].data();
-        for (int i = 0; i < frames; ++i) {
-            left[static_cast<std::size_t>(i)] += kMixedLeft[k] * w[i];
-            right[static_cast<std::size_t>(i)] += kMixedRight[k] * w[i];
-        }
+        addWeighted(w, frames, kMixedLeft[k], kMixedRight[k], left.data(), right.data());
         eachStretch(mixed_, k, frames, [&](float* cells, int first, int count) {
             for (int i = 0; i < count; ++i)
                 cells[i] = w[first + i] + input[static_cast<std::size_t>(first + i)];
