@@ -16,18 +16,19 @@ std::atomic<int> allocations{0};
 
 } // namespace
 
-void* operator new(std::size_t size)
+// Not inlined, so that the compiler does not take a new and its free() for a mistake.
+[[gnu::noinline]] void* operator new(std::size_t size)
 {
     ++allocations;
     if (void* memory = std::malloc(size))
         return memory;
     throw std::bad_alloc();
 }
-void operator delete(void* memory) noexcept
+[[gnu::noinline]] void operator delete(void* memory) noexcept
 {
     std::free(memory);
 }
-void operator delete(void* memory, std::size_t) noexcept
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept
 {
     std::free(memory);
 }
