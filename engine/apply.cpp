@@ -313,7 +313,7 @@ constexpr ApplyRow kRows[] = {
      [](ApplyContext& c, int, float v) { c.r.arp.steps = static_cast<int>(unit(v) * 31.0f) + 1; }},
     {kPolyphony, 1,
      [](ApplyContext& c, int, float v) {
-         setPolyphony(c.r, static_cast<int>(unit(v) * 64.0f) + kMinPolyphony);
+         setPolyphony(c.r, polyphonyFromValue(v));
      }},
     {kPitchWheel, 1,
      [](ApplyContext& c, int, float v) {
@@ -338,6 +338,11 @@ OnePole noiseColourFilter(const Module& module, float colour)
 {
     return module.highpassCoefficients(
         static_cast<double>(curve(std::clamp(colour, 0.0f, 1.0f), 5.0f, 20000.0f)));
+}
+
+int polyphonyFromValue(float value)
+{
+    return static_cast<int>(unit(value) * 64.0f) + kMinPolyphony;
 }
 
 void setNoiseFilter(EngineRecord& r, const Module& module, float colour)

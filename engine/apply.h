@@ -16,6 +16,9 @@ struct ApplyContext {
 // Ids without a row change nothing. Values are clamped to what the parameter can hold.
 void applyParameter(ApplyContext& context, int id, float value);
 
+// Voices in use, 8..72.
+int polyphonyFromValue(float value);
+
 // What depends on settings and on the sample rate: noise colour, glide, LFO smoothing.
 void recomputeRateSettings(ApplyContext& context);
 

@@ -196,13 +196,15 @@ void loadLegacyPrograms(const ChunkHeader& header, std::span<const std::uint8_t>
 
 class ProcessingPause {
 public:
-    explicit ProcessingPause(ChunkHost& host) : host_(host) { host_.pauseProcessing(); }
+    explicit ProcessingPause(ChunkHost& host) : host_(host), paused_(host.pauseProcessing()) {}
     ~ProcessingPause() { host_.resumeProcessing(); }
+    explicit operator bool() const { return paused_; }
     ProcessingPause(const ProcessingPause&) = delete;
     ProcessingPause& operator=(const ProcessingPause&) = delete;
 
 private:
     ChunkHost& host_;
+    bool paused_;
 };
 
 using Loader = void (*)(const ChunkHeader&, std::span<const std::uint8_t>, ProgramStore&,
@@ -261,6 +263,8 @@ ChunkResult readChunk(std::span<const std::uint8_t> bytes, bool isPreset, Progra
         return {};
     {
         const ProcessingPause pause(host);
+        if (!pause)
+            return {};
         loaderOf(layout)(header, bytes, store, host);
     }
     const bool oldProgram = isPreset && header.version == kOldestVersion;

@@ -39,8 +39,9 @@ public:
     // Semitones 0..64. The only call that a rejected chunk may lead to.
     virtual void setBendRanges(int up, int down) = 0;
 
-    // Brackets all that follows: no block runs between them and the audio thread never waits.
-    virtual void pauseProcessing() = 0;
+    // Brackets all that follows: no block runs between them and the audio thread never waits. False
+    // when processing cannot be paused; the load is then given up.
+    virtual bool pauseProcessing() = 0;
     virtual void resumeProcessing() = 0;
 
     virtual int currentProgram() const = 0;     // 0..383

@@ -17,6 +17,8 @@ public:
     virtual void noteActivity() = 0;
     virtual void programChanged(int program) = 0;
     virtual void programNamesChanged() = 0;
+    // After a chunk was loaded.
+    virtual void everythingChanged() = 0;
     virtual void mouseWheelMoved(std::intptr_t value, float distance) = 0;
 };
 

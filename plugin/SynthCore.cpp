@@ -1,5 +1,6 @@
 #include "plugin/SynthCore.h"
 
+#include "engine/apply.h"
 #include "plugin/catalogue.h"
 
 #include <algorithm>
@@ -31,7 +32,10 @@ float finiteOrZero(float value)
 } // namespace
 
 SynthCore::SynthCore(SettingsStore& settings, TempoSource& tempo)
-    : engine_(*this), midiMap_(settings), tempoSource_(tempo)
+    : engine_(*this),
+      midiMap_(settings),
+      tempoSource_(tempo),
+      polyphony_(engine_.record().polyphony)
 {
     // A number above 5 runs nothing. The first program load gives every slot its effect.
     for (std::size_t slot = 0; slot < effectOrder_.size(); ++slot)
@@ -63,7 +67,9 @@ void SynthCore::store(int id, float value)
 {
     if (isStored(id))
         engine_.programBank().setValue(currentProgram(), id, value);
-    else if (id == kPitchWheel)
+    if (id == kPolyphony)
+        polyphony_.store(polyphonyFromValue(value), std::memory_order_relaxed);
+    if (id == kPitchWheel)
         pitchWheel_.store(value, std::memory_order_relaxed);
 }
 

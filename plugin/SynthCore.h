@@ -70,6 +70,8 @@ public:
         return static_cast<bool>(hold);
     }
 
+    // Voices in use as the stored value has them; the engine's default until one is stored.
+    int polyphony() const { return polyphony_.load(std::memory_order_relaxed); }
     int effectOrder(int slot) const;
     bool keyDown(int key) const;
     // Shows a key as held or not, and works out whether any is. Audio thread.
@@ -110,6 +112,7 @@ private:
     std::atomic<bool> running_{false};
     std::atomic<int> currentProgram_{0};
     std::atomic<int> currentBank_{0};
+    std::atomic<int> polyphony_;
     std::array<std::atomic<int>, kEffectSlots> effectOrder_;
     std::array<std::atomic<bool>, kKeyCount> keyDown_{};
     double tempo_ = kDefaultTempo;

@@ -2,6 +2,7 @@
 
 #include "plugin/blockDriver.h"
 #include "plugin/catalogue.h"
+#include "plugin/chunkLoad.h"
 #include "plugin/eventIntake.h"
 #include "plugin/floatMode.h"
 #include "plugin/paramText.h"
@@ -55,9 +56,11 @@ void copyParameterText(char* to, std::string_view text)
 
 } // namespace
 
-VstSynth::VstSynth(vst2::HostCallback host, std::unique_ptr<SettingsStore> settings)
+VstSynth::VstSynth(vst2::HostCallback host, std::unique_ptr<SettingsStore> settings,
+                   std::unique_ptr<MessageBox> messages)
     : AudioEffectX(host, kProgramCount, kHostParameterCount),
       settings_(std::move(settings)),
+      messages_(std::move(messages)),
       core_(*settings_, *this)
 {
     if (!hasHost())
@@ -114,6 +117,26 @@ void VstSynth::setBlockSize(std::int32_t frames)
         return;
     AudioEffectX::setBlockSize(frames);
     core_.whileSilent([this, frames] { core_.setBlockCapacity(frames); });
+}
+
+std::int32_t VstSynth::getChunk(void** data, bool)
+{
+    if (chunk_ == nullptr)
+        chunk_ = std::make_unique<ChunkBuffer>();
+    writeChunk(core_.engine().programBank(), chunkState(core_), *chunk_);
+    *data = chunk_->data();
+    return static_cast<std::int32_t>(kChunkBytes);
+}
+
+std::int32_t VstSynth::setChunk(const void* data, std::int32_t bytes, bool singleProgram)
+{
+    const std::span chunk(static_cast<const std::uint8_t*>(data), static_cast<std::size_t>(bytes));
+    const ChunkResult result = loadChunk(core_, chunk, singleProgram, false);
+    if (const char* text = chunkMessageText(result.message))
+        messages_->show(kChunkMessageTitle, text);
+    if (EditorHooks* editor = core_.editor(); editor != nullptr && result.loaded)
+        editor->everythingChanged();
+    return static_cast<std::int32_t>(kChunkBytes);
 }
 
 std::int32_t VstSynth::processEvents(const vst2::VstEvents* events)

@@ -3,17 +3,22 @@
 // it hands to the core. The audio thread calls processEvents and processReplacing, other threads
 // everything else; both call setParameter.
 
+#include "patch/chunk.h"
 #include "plugin/SynthCore.h"
 #include "plugin/platform.h"
 #include "vst2/AudioEffectX.h"
 
+#include <array>
 #include <memory>
 
 namespace tolm {
 
+using ChunkBuffer = std::array<std::uint8_t, kChunkBytes>;
+
 class VstSynth : public vst2::AudioEffectX, private TempoSource {
 public:
-    VstSynth(vst2::HostCallback host, std::unique_ptr<SettingsStore> settings);
+    VstSynth(vst2::HostCallback host, std::unique_ptr<SettingsStore> settings,
+             std::unique_ptr<MessageBox> messages);
     ~VstSynth() override;
 
     SynthCore& core() { return core_; }
@@ -39,6 +44,11 @@ public:
     bool getProgramNameIndexed(std::int32_t category, std::int32_t program, char* text) override;
     bool getOutputProperties(std::int32_t pin, vst2::VstPinProperties* properties) override;
     std::int32_t getPlugCategory() const override { return vst2::kCategorySynth; }
+    // The current bank, also when a single program is asked for. The buffer stays valid until the
+    // next call. Always 235560 bytes, or 0 when there is no memory for them.
+    std::int32_t getChunk(void** data, bool singleProgram) override;
+    // Answers 235560 in every case.
+    std::int32_t setChunk(const void* data, std::int32_t bytes, bool singleProgram) override;
     std::int32_t processEvents(const vst2::VstEvents* events) override;
     bool getEffectName(char* text) override;
     bool getVendorString(char* text) override;
@@ -75,6 +85,8 @@ private:
     void replaceTuning(const void* bytes);
 
     std::unique_ptr<SettingsStore> settings_;
+    std::unique_ptr<MessageBox> messages_;
+    std::unique_ptr<ChunkBuffer> chunk_; // allocated when first asked for
     SynthCore core_;
     HostKind hostKind_;
     std::int32_t numAutomatable_ = kHostParameterCount; // ids below are reported to the host

@@ -34,4 +34,14 @@ std::unique_ptr<SettingsStore> systemSettingsStore();
 // A file per value: `<folder>/<key>/<name>`. A scope whose folder is empty holds nothing.
 std::unique_ptr<SettingsStore> fileSettingsStore(std::string machineFolder, std::string userFolder);
 
+// Notes to the user. Never waits: hosts call from inside their own loops.
+class MessageBox {
+public:
+    virtual ~MessageBox() = default;
+    virtual void show(std::string_view title, std::string_view text) = 0;
+};
+
+// Writes to standard error, the same text only once.
+std::unique_ptr<MessageBox> systemMessageBox();
+
 } // namespace tolm

@@ -138,6 +138,21 @@ std::string userConfigFolder()
     return home.starts_with('/') ? home + "/.config" : std::string();
 }
 
+class ErrorStreamMessages final : public MessageBox {
+public:
+    void show(std::string_view title, std::string_view text) override
+    {
+        if (text == last_)
+            return;
+        last_ = text;
+        std::fprintf(stderr, "Tolm: %.*s: %.*s\n", static_cast<int>(title.size()), title.data(),
+                     static_cast<int>(text.size()), text.data());
+    }
+
+private:
+    std::string last_;
+};
+
 } // namespace
 
 std::unique_ptr<SettingsStore> fileSettingsStore(std::string machineFolder, std::string userFolder)
@@ -148,6 +163,11 @@ std::unique_ptr<SettingsStore> fileSettingsStore(std::string machineFolder, std:
 std::unique_ptr<SettingsStore> systemSettingsStore()
 {
     return fileSettingsStore("/etc", userConfigFolder());
+}
+
+std::unique_ptr<MessageBox> systemMessageBox()
+{
+    return std::make_unique<ErrorStreamMessages>();
 }
 
 } // namespace tolm

@@ -158,9 +158,9 @@ std::intptr_t getChunk(AudioEffect& effect, const Request& request)
 std::intptr_t setChunk(AudioEffect& effect, const Request& request)
 {
     constexpr std::intptr_t kMost = std::numeric_limits<std::int32_t>::max();
-    if (request.pointer == nullptr || request.value < 0 || request.value > kMost)
-        return 0;
-    return effect.setChunk(request.pointer, static_cast<std::int32_t>(request.value),
+    const bool usable = request.pointer != nullptr && request.value >= 0 && request.value <= kMost;
+    return effect.setChunk(request.pointer,
+                           usable ? static_cast<std::int32_t>(request.value) : 0,
                            request.index != 0);
 }
 

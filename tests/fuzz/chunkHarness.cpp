@@ -39,7 +39,11 @@ struct Plugin final : ChunkHost {
     {
         require(up >= 0 && up <= 64 && down >= 0 && down <= 64, "bend ranges are 0..64");
     }
-    void pauseProcessing() override { require(++paused == 1, "paused once"); }
+    bool pauseProcessing() override
+    {
+        require(++paused == 1, "paused once");
+        return true;
+    }
     void resumeProcessing() override { require(--paused == 0, "resumed once"); }
     int currentProgram() const override { return program; }
     int currentBank() const override { return program / kBankSize; }

@@ -99,8 +99,14 @@ struct Rig final : ChunkHost {
         bendDown = down;
         log.push_back("bend");
     }
-    void pauseProcessing() override { log.push_back("pause"); }
+    bool pauseProcessing() override
+    {
+        log.push_back("pause");
+        return canPause;
+    }
     void resumeProcessing() override { log.push_back("resume"); }
+    bool canPause = true;
+
     int currentProgram() const override { return program; }
     int currentBank() const override { return bank; }
     bool isLoadingFromFile() const override { return fromFile; }

@@ -40,6 +40,18 @@ private:
     SettingsFiles& files_;
 };
 
+class FakeMessages final : public MessageBox {
+public:
+    explicit FakeMessages(std::vector<std::string>& shown) : shown_(shown) {}
+    void show(std::string_view title, std::string_view text) override
+    {
+        shown_.push_back(std::string(title) + ": " + std::string(text));
+    }
+
+private:
+    std::vector<std::string>& shown_;
+};
+
 // One rig at a time: the interface gives a host's callback nothing to tell its hosts apart before
 // the plug-in exists.
 class SynthRig {
@@ -48,7 +60,8 @@ public:
         : vendor(std::move(hostVendor)), files(std::move(stored))
     {
         current() = this;
-        synth = std::make_unique<VstSynth>(answer, std::make_unique<FakeSettings>(files));
+        synth = std::make_unique<VstSynth>(answer, std::make_unique<FakeSettings>(files),
+                                           std::make_unique<FakeMessages>(shownMessages));
         synth->open();
     }
     SynthRig(const SynthRig&) = delete;
@@ -114,6 +127,7 @@ public:
     std::vector<std::array<int, 3>> sentMidi;
     int answerOfEvents = 0;
     std::vector<float> left, right;
+    std::vector<std::string> shownMessages; // title and text of each box
     std::unique_ptr<VstSynth> synth;
 
 private:

@@ -26,30 +26,19 @@ using Events = std::vector<QueuedEvent>;
 TEST(EventIntake, queuesNotesOfAllChannelsInTheirOrder)
 {
     SynthRig rig;
-    rig.send({
-        {30, 0x93, 60, 100},
-        {10, 0x8F, 60, 64 },
-        {5,  0x90, 61, 0  },
-        {0,  0x90, 64, 200}
-    });
+    rig.send({{30, 0x93, 60, 100}, {10, 0x8F, 60, 64}, {5, 0x90, 61, 0}, {0, 0x90, 64, 200}});
     EXPECT_EQ(rig.answerOfEvents, 1);
-    EXPECT_EQ(rig.queued(), (Events{
-                                {30, -1, 0, 0x90, 60, 100},
-                                {10, -1, 0, 0x80, 60, 64 },
-                                {5,  -1, 0, 0x90, 61, 0  },
-                                {0,  -1, 0, 0x90, 64, 200}
-    }));
+    EXPECT_EQ(rig.queued(), (Events{{30, -1, 0, 0x90, 60, 100},
+                                    {10, -1, 0, 0x80, 60, 64},
+                                    {5, -1, 0, 0x90, 61, 0},
+                                    {0, -1, 0, 0x90, 64, 200}}));
     EXPECT_FALSE(rig.core().keyDown(64)); // a velocity byte of 200 is negative
 }
 
 TEST(EventIntake, ignoresWhatIsNoChannelMessage)
 {
     SynthRig rig;
-    rig.send({
-        {0, 0x90, 60, 100,  vst2::kSysExType},
-        {0, 0xA0,     60,   5},
-        {0, 0xF8,     0,   0 }
-    });
+    rig.send({{0, 0x90, 60, 100, vst2::kSysExType}, {0, 0xA0, 60, 5}, {0, 0xF8, 0, 0}});
     EXPECT_TRUE(rig.queued().empty());
     EXPECT_EQ(rig.synth->processEvents(nullptr), 1);
     vst2::VstEvents wrong;
@@ -67,9 +56,7 @@ TEST(EventIntake, countsEventsInEightBits)
         rig.send(list);
         EXPECT_EQ(rig.core().queue().count(), sent % 256);
         if (sent == 257) {
-            EXPECT_EQ(rig.queued(), (Events{
-                                        {256, -1, 0, 0x90, 0, 3}
-            }));
+            EXPECT_EQ(rig.queued(), (Events{{256, -1, 0, 0x90, 0, 3}}));
         }
         rig.process(16);
         EXPECT_EQ(rig.core().queue().count(), 0);
@@ -79,19 +66,11 @@ TEST(EventIntake, countsEventsInEightBits)
 TEST(EventIntake, showsHeldKeysButDoesNotCountTheLowest)
 {
     SynthRig rig;
-    rig.send({
-        {0, 0x90, 0,   100},
-        {0, 0x90, 60,  100},
-        {0, 0x90, 188, 100}
-    });
+    rig.send({{0, 0x90, 0, 100}, {0, 0x90, 60, 100}, {0, 0x90, 188, 100}});
     EXPECT_TRUE(rig.core().keyDown(60)); // 188 & 127 is 60 too
-    rig.send({
-        {0, 0x80, 61, 0}
-    });
+    rig.send({{0, 0x80, 61, 0}});
     EXPECT_TRUE(rig.record().anyKeyDown);
-    rig.send({
-        {0, 0x80, 60, 0}
-    });
+    rig.send({{0, 0x80, 60, 0}});
     EXPECT_TRUE(rig.core().keyDown(0));
     EXPECT_FALSE(rig.record().anyKeyDown);
 }
@@ -99,16 +78,14 @@ TEST(EventIntake, showsHeldKeysButDoesNotCountTheLowest)
 TEST(EventIntake, movesControllersAtOnceAndKeepsTheQueue)
 {
     SynthRig rig;
-    rig.send({
-        {50, 0x90, 60,  100},
-        {90, 0xB0, 1,   127},
-        {0,  0xB5, 2,   64 },
-        {0,  0xB0, 4,   32 },
-        {0,  0xB0, 11,  1  },
-        {0,  0xB0, 64,  64 },
-        {0,  0xD0, 127, 0  },
-        {0,  0xB0, 74,  127}
-    });
+    rig.send({{50, 0x90, 60, 100},
+              {90, 0xB0, 1, 127},
+              {0, 0xB5, 2, 64},
+              {0, 0xB0, 4, 32},
+              {0, 0xB0, 11, 1},
+              {0, 0xB0, 64, 64},
+              {0, 0xD0, 127, 0},
+              {0, 0xB0, 74, 127}});
     EXPECT_EQ(rig.queued().size(), 1u);
     EXPECT_EQ(rig.record().modWheel, 1.0);
     EXPECT_EQ(rig.core().storedValue(113), 1.0f);
@@ -121,10 +98,7 @@ TEST(EventIntake, movesControllersAtOnceAndKeepsTheQueue)
     EXPECT_EQ(rig.core().storedValue(28), 1.0f);
     EXPECT_TRUE(rig.automated.empty());
     rig.arp().currentStep = 9;
-    rig.send({
-        {0, 0xB0, 64,  63},
-        {0, 0xB0, 123, 0 }
-    });
+    rig.send({{0, 0xB0, 64, 63}, {0, 0xB0, 123, 0}});
     EXPECT_TRUE(rig.record().releaseEnabled);
     EXPECT_EQ(rig.arp().currentStep, 0u);
 }
@@ -132,23 +106,15 @@ TEST(EventIntake, movesControllersAtOnceAndKeepsTheQueue)
 TEST(EventIntake, bendsOverTheWholeRange)
 {
     SynthRig rig;
-    rig.send({
-        {0, 0xE0, 0x7F, 0x7F}
-    });
+    rig.send({{0, 0xE0, 0x7F, 0x7F}});
     EXPECT_EQ(rig.record().bendRaw, 8191);
     EXPECT_DOUBLE_EQ(rig.record().bendValue, 8191.0 / 8192.0);
-    rig.send({
-        {0, 0xE0, 0, 0}
-    });
+    rig.send({{0, 0xE0, 0, 0}});
     EXPECT_EQ(rig.record().bendRaw, -8192);
     EXPECT_EQ(rig.record().bendValue, -1.0);
-    rig.send({
-        {0, 0xE0, 0, 0x40}
-    });
+    rig.send({{0, 0xE0, 0, 0x40}});
     EXPECT_EQ(rig.record().bendRaw, 0);
-    rig.send({
-        {0, 0xE0, 255, 255}
-    }); // malformed
+    rig.send({{0, 0xE0, 255, 255}}); // malformed
     EXPECT_GE(rig.record().bendRaw, -8192);
 }
 
@@ -159,18 +125,12 @@ TEST(EventIntake, selectsProgramsAndBanks)
         int start, status, data1, data2, program;
     };
     constexpr Row kRows[] = {
-        {200, 0xC0, 5,   0, 5  },
-        {5,   0xB0, 0,   1, 133},
-        {5,   0xB0, 0,   3, 5  },
-        {300, 0xB0, 0,   0, 44 },
-        {7,   0xC0, 128, 0, 7  },
-        {127, 0xB0, 0,   2, 383},
+        {200, 0xC0, 5, 0, 5},  {5, 0xB0, 0, 1, 133}, {5, 0xB0, 0, 3, 5},
+        {300, 0xB0, 0, 0, 44}, {7, 0xC0, 128, 0, 7}, {127, 0xB0, 0, 2, 383},
     };
     for (const Row& row : kRows) {
         rig.synth->setProgram(row.start);
-        rig.send({
-            {0, row.status, row.data1, row.data2}
-        });
+        rig.send({{0, row.status, row.data1, row.data2}});
         EXPECT_EQ(rig.synth->getProgram(), row.program);
         EXPECT_EQ(rig.core().currentBank(), row.program / 128);
     }
@@ -180,22 +140,14 @@ TEST(EventIntake, learnsAControllerAndMovesTheParameterAtOnce)
 {
     SynthRig rig;
     rig.core().midiMap().armLearn(4);
-    rig.send({
-        {0, 0xB0, 1, 10 },
-        {0, 0xB0, 0, 0  },
-        {0, 0xB0, 7, 127}
-    });
+    rig.send({{0, 0xB0, 1, 10}, {0, 0xB0, 0, 0}, {0, 0xB0, 7, 127}});
     EXPECT_EQ(rig.core().storedValue(4), 1.0f);
-    rig.send({
-        {0, 0xB0, 7, 0}
-    });
+    rig.send({{0, 0xB0, 7, 0}});
     EXPECT_EQ(rig.core().storedValue(4), 0.0f);
     // These may be learnt, but keep their own meaning only.
     rig.core().midiMap().armLearn(3);
     rig.synth->setParameter(3, 0.25f);
-    rig.send({
-        {0, 0xB0, 2, 127}
-    });
+    rig.send({{0, 0xB0, 2, 127}});
     EXPECT_EQ(rig.core().midiMap().controllerOf(3), 102);
     EXPECT_EQ(rig.core().midiMap().parameterOf(2), 3);
     EXPECT_EQ(rig.core().storedValue(3), 0.25f);
@@ -229,24 +181,14 @@ TEST_F(ArpIntake, holdsKeysInsteadOfPlayingThem)
                             ArpMode::duophonic}) {
         start(mode);
         rig.core().queue().clear();
-        rig.send({
-            {7, 0x90, 60, 100}
-        });
+        rig.send({{7, 0x90, 60, 100}});
         EXPECT_TRUE(restarted(7));
-        rig.send({
-            {9, 0x90, 64, 90}
-        });
+        rig.send({{9, 0x90, 64, 90}});
         EXPECT_EQ(rig.arp().restartOffset, -1);
         EXPECT_TRUE(rig.queued().empty());
         EXPECT_EQ(rig.arp().held[60], 100);
-        rig.send({
-            {3, 0x90, 60, 0},
-            {4, 0x80, 64, 1}
-        });
-        EXPECT_EQ(rig.queued(), (Events{
-                                    {3, -1, 0, 0x80, 60, 0},
-                                    {4, -1, 0, 0x80, 64, 1}
-        }));
+        rig.send({{3, 0x90, 60, 0}, {4, 0x80, 64, 1}});
+        EXPECT_EQ(rig.queued(), (Events{{3, -1, 0, 0x80, 60, 0}, {4, -1, 0, 0x80, 64, 1}}));
         EXPECT_EQ(rig.arp().held[60] + rig.arp().held[64], 0);
     }
 }
@@ -254,39 +196,23 @@ TEST_F(ArpIntake, holdsKeysInsteadOfPlayingThem)
 TEST_F(ArpIntake, modulationModePlaysKeysAndRestartsAtEach)
 {
     start(ArpMode::modulation);
-    rig.send({
-        {7, 0x90, 60, 100}
-    });
+    rig.send({{7, 0x90, 60, 100}});
     EXPECT_TRUE(restarted(7));
-    rig.send({
-        {9, 0x90, 64, 90}
-    });
+    rig.send({{9, 0x90, 64, 90}});
     EXPECT_TRUE(restarted(9));
-    rig.send({
-        {3, 0x90, 60, 0}
-    });
-    EXPECT_EQ(rig.queued(),
-              (Events{
-                  {7, -1, 0, 0x90, 60, 100},
-                  {9, -1, 0, 0x90, 64, 90 },
-                  {3, -1, 0, 0x90, 60, 0  }
-    }));
+    rig.send({{3, 0x90, 60, 0}});
+    EXPECT_EQ(
+        rig.queued(),
+        (Events{{7, -1, 0, 0x90, 60, 100}, {9, -1, 0, 0x90, 64, 90}, {3, -1, 0, 0x90, 60, 0}}));
 }
 
 TEST_F(ArpIntake, voiceModePlaysKeysOnTheEvenVoices)
 {
     start(ArpMode::voice);
-    rig.send({
-        {7, 0x90, 60, 100},
-        {8, 0x90, 50, 90 },
-        {9, 0x80, 50, 0  }
-    });
-    EXPECT_EQ(rig.queued(),
-              (Events{
-                  {7, 85, 0, 0x90, 60, 100},
-                  {8, 85, 0, 0x90, 50, 90 },
-                  {9, -1, 0, 0x80, 50, 0  }
-    }));
+    rig.send({{7, 0x90, 60, 100}, {8, 0x90, 50, 90}, {9, 0x80, 50, 0}});
+    EXPECT_EQ(
+        rig.queued(),
+        (Events{{7, 85, 0, 0x90, 60, 100}, {8, 85, 0, 0x90, 50, 90}, {9, -1, 0, 0x80, 50, 0}}));
 }
 
 TEST_F(ArpIntake, voiceModeWithMonoHandsTheVoicesOn)
@@ -294,20 +220,16 @@ TEST_F(ArpIntake, voiceModeWithMonoHandsTheVoicesOn)
     start(ArpMode::voice, true);
     // The first key plays; a higher and a lower one do not; the middle one's release releases it;
     // the lowest one's release only hands over; the last one's release ends the sound.
-    rig.send({
-        {1, 0x90, 60, 100},
-        {2, 0x90, 67, 90 },
-        {3, 0x90, 50, 80 },
-        {4, 0x80, 60, 0  },
-        {5, 0x80, 50, 0  },
-        {6, 0x80, 67, 0  }
-    });
-    EXPECT_EQ(rig.queued(), (Events{
-                                {1, 85, 0, 0x90, 60, 100},
-                                {4, -1, 0, 0x80, 60, 0  },
-                                {5, 0,  0, 0x80, 50, 0  },
-                                {6, -1, 0, 0x80, 67, 0  }
-    }));
+    rig.send({{1, 0x90, 60, 100},
+              {2, 0x90, 67, 90},
+              {3, 0x90, 50, 80},
+              {4, 0x80, 60, 0},
+              {5, 0x80, 50, 0},
+              {6, 0x80, 67, 0}});
+    EXPECT_EQ(rig.queued(), (Events{{1, 85, 0, 0x90, 60, 100},
+                                    {4, -1, 0, 0x80, 60, 0},
+                                    {5, 0, 0, 0x80, 50, 0},
+                                    {6, -1, 0, 0x80, 67, 0}}));
 }
 
 class KeyboardDrain : public ArpIntake {
@@ -326,10 +248,7 @@ protected:
 
 TEST_F(KeyboardDrain, queuesPlainNotesWithKeysKeptInRange)
 {
-    EXPECT_EQ(drained({
-                  {0, 0x90, 300, 100},
-                  {0, 0x80, -4,  0  }
-    }),
+    EXPECT_EQ(drained({{0, 0x90, 300, 100}, {0, 0x80, -4, 0}}),
               (Events{{0, -1, 0, 0x90, 127, 100}, {0, -1, 0, 0x80, 0, 0}}));
     EXPECT_TRUE(rig.core().keyDown(127));
     EXPECT_TRUE(drained({}).empty());
@@ -338,25 +257,14 @@ TEST_F(KeyboardDrain, queuesPlainNotesWithKeysKeptInRange)
 TEST_F(KeyboardDrain, treatsTheArpeggiatorsModesInItsOwnWay)
 {
     start(ArpMode::simple);
-    EXPECT_EQ(drained({
-                  {0, 0x90, 60, 100},
-                  {0, 0x80, 60, 0  }
-    }),
-              (Events{{0, -1, 0, 0x80, 60, 0}}));
+    EXPECT_EQ(drained({{0, 0x90, 60, 100}, {0, 0x80, 60, 0}}), (Events{{0, -1, 0, 0x80, 60, 0}}));
     EXPECT_TRUE(restarted(0));
     start(ArpMode::voice, true); // no hand-over here
     EXPECT_EQ(
-        drained({
-            {0, 0x90, 60, 100},
-            {0, 0x90, 50, 90 },
-            {0, 0x80, 50, 0  }
-    }),
+        drained({{0, 0x90, 60, 100}, {0, 0x90, 50, 90}, {0, 0x80, 50, 0}}),
         (Events{{0, 85, 0, 0x90, 60, 100}, {0, 85, 0, 0x90, 50, 90}, {0, -1, 0, 0x80, 50, 0}}));
     start(ArpMode::modulation);
-    EXPECT_EQ(drained({
-                  {0, 0x90, 62, 100},
-                  {0, 0x80, 62, 0  }
-    }),
+    EXPECT_EQ(drained({{0, 0x90, 62, 100}, {0, 0x80, 62, 0}}),
               (Events{{0, -1, 0, 0x90, 62, 100}, {0, -1, 0, 0x80, 62, 0}}));
 }
 
@@ -365,14 +273,10 @@ TEST_F(KeyboardDrain, keepsARunningPatternWhileKeysAreHeld)
     start(ArpMode::chord);
     rig.arp().held[40] = 100;
     rig.arp().restartOffset = -1;
-    drained({
-        {0, 0x90, 60, 100}
-    });
+    drained({{0, 0x90, 60, 100}});
     EXPECT_EQ(rig.arp().restartOffset, -1);
     rig.arp().held.fill(0);
-    drained({
-        {0, 0x80, 99, 0}
-    }); // even a stray release restarts when nothing is held
+    drained({{0, 0x80, 99, 0}}); // even a stray release restarts when nothing is held
     EXPECT_TRUE(restarted(0));
 }
 

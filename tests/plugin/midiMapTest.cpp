@@ -38,15 +38,8 @@ TEST(MidiMap, startsWithItsDefaults)
     for (int c = 0; c < 128; ++c)
         assigned += rig.map.parameterOf(c) >= 0;
     EXPECT_EQ(assigned, 72);
-    constexpr int kSome[][2] = {
-        {1,   113},
-        {5,   78 },
-        {30,  0  },
-        {47,  115},
-        {74,  28 },
-        {112, 160},
-        {119, 167}
-    };
+    constexpr int kSome[][2] = {{1, 113}, {5, 78},    {30, 0},   {47, 115},
+                                {74, 28}, {112, 160}, {119, 167}};
     for (const auto& [controller, parameter] : kSome) {
         EXPECT_EQ(rig.map.parameterOf(controller), parameter);
         EXPECT_EQ(rig.map.controllerOf(parameter), controller);
@@ -90,9 +83,7 @@ TEST(MidiMap, forgetsAllControllersOfAParameterButTheLast)
 {
     auto bytes = mapBytes(128, 255);
     bytes[9] = bytes[50] = bytes[126] = bytes[127] = 28;
-    MapRig rig({
-        {Scope::user, bytes}
-    });
+    MapRig rig({{Scope::user, bytes}});
     EXPECT_EQ(rig.map.controllerOf(28), 126);
     rig.map.forget(28);
     for (const int c : {9, 50, 126})

@@ -24,6 +24,7 @@ public:
     void noteActivity() override { log += "note "; }
     void programChanged(int program) override { add("program", program); }
     void programNamesChanged() override { log += "names "; }
+    void everythingChanged() override { log += "everything "; }
     void mouseWheelMoved(std::intptr_t value, float distance) override
     {
         add(distance > 0.0f ? "wheel+" : "wheel-", static_cast<int>(value));
@@ -48,16 +49,16 @@ TEST(VstSynth, recognisesMakersOfHosts)
         bool own, cockosOrZynewave, imageLineOrCakewalk, steinberg;
     };
     constexpr Row kRows[] = {
-        {"Corvane Audio",           true,  false, false, false},
-        {"Steinberg",               false, false, false, true },
-        {"steinberg",               false, false, false, false},
-        {"Cockos",                  false, true,  false, false},
-        {"Zynewave",                false, true,  false, false},
-        {"Image-Line",              false, false, true,  false},
-        {"The Cakewalk Inc",        false, false, true,  false},
-        {"Twelve Tone Systems",     false, false, true,  false},
+        {"Corvane Audio", true, false, false, false},
+        {"Steinberg", false, false, false, true},
+        {"steinberg", false, false, false, false},
+        {"Cockos", false, true, false, false},
+        {"Zynewave", false, true, false, false},
+        {"Image-Line", false, false, true, false},
+        {"The Cakewalk Inc", false, false, true, false},
+        {"Twelve Tone Systems", false, false, true, false},
         {"Twelve Tone Systems Inc", false, false, false, false},
-        {"Corvane Audio ",          false, false, false, false},
+        {"Corvane Audio ", false, false, false, false},
     };
     for (const Row& row : kRows) {
         SynthRig rig(row.vendor);
@@ -108,11 +109,7 @@ TEST(VstSynth, tellsTheEditorWhatOthersDo)
     rig.synth->setParameterQuiet(28, 0.6f);
     EXPECT_EQ(editor.take(), "");
     EXPECT_EQ(rig.synth->getParameter(28), 0.6f);
-    rig.send({
-        {0, 0x90, 60, 1},
-        {0, 0x80, 60, 0},
-        {0, 0xB0, 74, 1}
-    });
+    rig.send({{0, 0x90, 60, 1}, {0, 0x80, 60, 0}, {0, 0xB0, 74, 1}});
     EXPECT_EQ(editor.take(), "k60 u60 p28 keys ");
     rig.process(64);
     EXPECT_EQ(editor.take(), "note ");
@@ -140,11 +137,7 @@ TEST(VstSynth, reportsAutomationAndSendsTheMappedController)
     rig.synth->setParameterAutomated(30, NAN);
     EXPECT_EQ(rig.automated, (std::vector<int>{28, 4, 30, 30}));
     const std::vector<std::array<int, 3>> sent = {
-        {0xB0, 74, 63 },
-        {0xB0, 1,  127},
-        {0xB0, 43, 127},
-        {0xB0, 43, 0  }
-    };
+        {0xB0, 74, 63}, {0xB0, 1, 127}, {0xB0, 43, 127}, {0xB0, 43, 0}};
     EXPECT_EQ(rig.sentMidi, sent);
     EXPECT_EQ(rig.synth->getParameter(113), 1.0f);
     EXPECT_EQ(rig.synth->getParameter(30), 0.0f);
@@ -194,7 +187,9 @@ TEST(VstSynth, keepsItsMapOnlyWhenItWasChanged)
 TEST(VstSynth, livesWithoutAHost)
 {
     test::SettingsFiles files;
-    VstSynth synth(nullptr, std::make_unique<test::FakeSettings>(files));
+    std::vector<std::string> messages;
+    VstSynth synth(nullptr, std::make_unique<test::FakeSettings>(files),
+                   std::make_unique<test::FakeMessages>(messages));
     EXPECT_EQ(synth.effect()->numOutputs, 0);
     synth.open();
     synth.resume();
@@ -266,12 +261,10 @@ TEST(Threads, oneRendersWhileAnotherChangesEverything)
     });
     bool finite = true;
     for (int block = 0; !done; ++block) {
-        rig.send({
-            {0,  0x90, 40 + block % 40, 100        },
-            {60, 0x80, 40 + block % 40, 0          },
-            {0,  0xB0, block % 120,     block % 128},
-            {9,  0xE0, block % 128,     block % 128}
-        });
+        rig.send({{0, 0x90, 40 + block % 40, 100},
+                  {60, 0x80, 40 + block % 40, 0},
+                  {0, 0xB0, block % 120, block % 128},
+                  {9, 0xE0, block % 128, block % 128}});
         rig.process(1 + block % 200);
         for (const float sample : rig.left)
             finite = finite && std::isfinite(sample);
