@@ -312,9 +312,7 @@ constexpr ApplyRow kRows[] = {
     {kArpStepCount, 1,
      [](ApplyContext& c, int, float v) { c.r.arp.steps = static_cast<int>(unit(v) * 31.0f) + 1; }},
     {kPolyphony, 1,
-     [](ApplyContext& c, int, float v) {
-         setPolyphony(c.r, polyphonyFromValue(v));
-     }},
+     [](ApplyContext& c, int, float v) { setPolyphony(c.r, polyphonyFromValue(v)); }},
     {kPitchWheel, 1,
      [](ApplyContext& c, int, float v) {
          c.r.bendRaw = static_cast<int>((unit(v) - 0.5f) * 16384.0f);

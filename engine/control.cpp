@@ -21,6 +21,7 @@ constexpr float kFm1Scale = 1.0f / 4096.0f;
 constexpr float kFm2Scale = 1.0f / 32768.0f;
 constexpr float kNoPreviousCutoff = -99.0f;
 constexpr float kLargestCutoff = 1e4f;
+constexpr float kLargestFm = 1.0f; // a thousand times what the parameter reaches
 
 // The two oscillators deliberately spread their fat voices by slightly different powers.
 constexpr double kFatExponents[kMainOscillators][2] = {{1.9, 3.12}, {1.88, 3.16}};
@@ -211,7 +212,8 @@ void setOscillators(CallContext& call, std::size_t voice, const VoiceModulation&
 void setMix(CallContext& call, VoiceSlot& slot, const VoiceModulation& m, VoiceControl& control)
 {
     const int frames = call.frames;
-    const float fm1 = toFloat(m.fmDepth) * std::max(0.0f, toFloat(m.fm1)) * kFm1Scale;
+    const float fm1 = std::clamp(toFloat(m.fmDepth) * std::max(0.0f, toFloat(m.fm1)) * kFm1Scale,
+                                 -kLargestFm, kLargestFm);
     control.fm2 = unitFloat(m.fm2) * kFm2Scale;
     control.fmOn = m.fmOn || m.fm1 > 0.0 || m.fm2 > 0.0;
     control.fm1 = rampTo(slot.previous.fm, fm1, frames);

@@ -9,6 +9,16 @@
 
 namespace tolm {
 
+// As values, in the form that every compiler turns into one instruction and vectorises.
+inline float atLeast(float x, float lowest)
+{
+    return x > lowest ? x : lowest;
+}
+inline float atMost(float x, float highest)
+{
+    return x < highest ? x : highest;
+}
+
 // A value that glides linearly over an engine call; frame i sees start + slope * i.
 struct Ramp {
     float start = 0.0f;
@@ -81,6 +91,9 @@ struct OscillatorControl {
     bool fat = false;
     std::array<std::uint32_t, kFatVoices> sideIncrement{};
 };
+
+// One voice's frames of one engine call.
+using SliceBuffer = std::array<float, kMaxSliceFrames>;
 
 struct VoiceControl {
     std::array<OscillatorControl, kMainOscillators> osc;

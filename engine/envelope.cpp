@@ -11,6 +11,65 @@ constexpr float kAttackEnd = 0.9f;
 constexpr float kModSustainLimit = 0.9999f;
 constexpr float kModSustainFull = 1.00001f;
 
+// Levels of a falling run that starts at `level`: each frame is the one before times `factor`.
+float fall(float level, float factor, std::span<float> levels)
+{
+    for (float& out : levels) {
+        level *= factor;
+        out = level;
+    }
+    return level;
+}
+
+// Levels of an attack, each after its step. Answers how many frames belong to it: all, or up to and
+// with the one that reaches its end. The search is only made when there is something to find, so
+// that the loop before it does nothing but multiply.
+std::size_t climb(float& level, float factor, std::span<float> levels)
+{
+    float distance = 1.0f - level;
+    for (float& out : levels) {
+        distance *= factor;
+        out = 1.0f - distance;
+    }
+    std::size_t frames = levels.size();
+    if (levels.back() >= kAttackEnd)
+        frames =
+            1 + static_cast<std::size_t>(std::find_if(levels.begin(), levels.end(),
+                                                      [](float x) { return x >= kAttackEnd; }) -
+                                         levels.begin());
+    level = levels[frames - 1];
+    return frames;
+}
+
+// The same two for an envelope that yields before it steps. They answer through `next`, or return,
+// the level after the last step.
+float fallBefore(float level, float factor, std::span<float> levels)
+{
+    for (float& out : levels) {
+        out = level;
+        level *= factor;
+    }
+    return level;
+}
+
+std::size_t climbBefore(float& level, float& next, float factor, std::span<float> levels)
+{
+    float distance = 1.0f - level;
+    for (float& out : levels) {
+        out = 1.0f - distance;
+        distance *= factor;
+    }
+    next = 1.0f - distance;
+    std::size_t frames = levels.size();
+    if (levels.back() >= kAttackEnd)
+        frames =
+            1 + static_cast<std::size_t>(std::find_if(levels.begin(), levels.end(),
+                                                      [](float x) { return x >= kAttackEnd; }) -
+                                         levels.begin());
+    level = levels[frames - 1];
+    return frames;
+}
+
 } // namespace
 
 EnvelopeCoefficients exponentialCoefficients(const RateTables& tables, const EnvelopeSettings& s,
@@ -40,66 +99,66 @@ EnvelopeCoefficients modCoefficients(const RateTables& tables, const EnvelopeSet
 void runAmpEnvelope(EnvelopeState& state, const EnvelopeCoefficients& c, std::uint32_t age,
                     std::uint32_t holdFrames, std::span<float> levels)
 {
-    std::size_t i = 0;
-    float level = state.level;
-    if (state.stage == EnvelopeStage::attack) {
-        float distance = 1.0f - level;
-        while (i < levels.size() && state.stage == EnvelopeStage::attack) {
-            distance *= c.attack;
-            level = 1.0f - distance;
-            levels[i++] = level;
-            if (level >= kAttackEnd)
-                state.stage = EnvelopeStage::decay;
+    std::span<float> rest = levels;
+    if (state.stage == EnvelopeStage::attack && !rest.empty()) {
+        rest = rest.subspan(climb(state.level, c.attack, rest));
+        if (state.level >= kAttackEnd)
+            state.stage = EnvelopeStage::decay;
+    }
+    const std::size_t now = age + (levels.size() - rest.size());
+    if (now < holdFrames && !rest.empty() && state.stage != EnvelopeStage::attack) {
+        const std::size_t held = std::min(holdFrames - now, rest.size());
+        std::fill_n(rest.begin(), held, state.level);
+        rest = rest.subspan(held);
+    }
+    if (state.stage == EnvelopeStage::decay && !rest.empty()) {
+        const float last = fall(state.level, c.decay, rest);
+        std::size_t frames = rest.size();
+        if (c.sustain > last) {
+            // The decay stops at the first frame below the sustain level.
+            const auto below = [&](float x) { return c.sustain > x; };
+            frames = 1 + static_cast<std::size_t>(std::find_if(rest.begin(), rest.end(), below) -
+                                                  rest.begin());
+            state.stage = EnvelopeStage::sustain;
         }
+        state.level = rest[frames - 1];
+        rest = rest.subspan(frames);
     }
-    for (; i < levels.size() && age + i < holdFrames; ++i)
-        levels[i] = level;
-    if (state.stage == EnvelopeStage::decay) {
-        while (i < levels.size() && state.stage == EnvelopeStage::decay) {
-            level *= c.decay;
-            levels[i++] = level;
-            if (c.sustain > level)
-                state.stage = EnvelopeStage::sustain;
-        }
-    }
-    const float factor = state.stage == EnvelopeStage::release ? c.release : 1.0f;
-    for (; i < levels.size(); ++i) {
-        level *= factor;
-        levels[i] = level;
-    }
-    state.level = level;
+    if (state.stage == EnvelopeStage::release)
+        state.level = fall(state.level, c.release, rest);
+    else
+        std::fill(rest.begin(), rest.end(), state.level);
 }
 
 void runFilterEnvelope(EnvelopeState& state, const EnvelopeCoefficients& c, std::span<float> levels)
 {
-    std::size_t i = 0;
+    std::span<float> rest = levels;
     float level = state.level;
-    if (state.stage == EnvelopeStage::attack) {
-        float distance = 1.0f - level;
-        while (i < levels.size() && state.stage == EnvelopeStage::attack) {
-            level = 1.0f - distance;
-            levels[i++] = level;
-            distance *= c.attack;
-            if (level >= kAttackEnd)
-                state.stage = EnvelopeStage::decay;
-        }
-        // Still climbing: the next call goes on from the step already taken.
-        if (state.stage == EnvelopeStage::attack)
-            level = 1.0f - distance;
-    }
-    while (i < levels.size() && state.stage == EnvelopeStage::decay) {
-        levels[i++] = level;
-        if (c.sustain >= level)
-            state.stage = EnvelopeStage::sustain;
+    if (state.stage == EnvelopeStage::attack && !rest.empty()) {
+        float next = level;
+        const std::size_t frames = climbBefore(level, next, c.attack, rest);
+        if (level >= kAttackEnd)
+            state.stage = EnvelopeStage::decay;
         else
-            level *= c.decay;
+            level = next; // still climbing: the next call goes on from the step already taken
+        rest = rest.subspan(frames);
     }
-    const float factor = state.stage == EnvelopeStage::release ? c.release : 1.0f;
-    for (; i < levels.size(); ++i) {
-        levels[i] = level;
-        level *= factor;
+    if (state.stage == EnvelopeStage::decay && !rest.empty()) {
+        float next = fallBefore(level, c.decay, rest);
+        std::size_t frames = rest.size();
+        if (c.sustain >= rest.back()) {
+            // The decay stops, without a step, at the first frame at or below the sustain level.
+            const auto reached = [&](float x) { return c.sustain >= x; };
+            frames = 1 + static_cast<std::size_t>(std::find_if(rest.begin(), rest.end(), reached) -
+                                                  rest.begin());
+            next = rest[frames - 1];
+            state.stage = EnvelopeStage::sustain;
+        }
+        level = next;
+        rest = rest.subspan(frames);
     }
-    state.level = level;
+    const bool releasing = state.stage == EnvelopeStage::release;
+    state.level = fallBefore(level, releasing ? c.release : 1.0f, rest);
 }
 
 void runModEnvelope(EnvelopeState& state, const EnvelopeCoefficients& c, int frames)

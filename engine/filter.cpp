@@ -1,7 +1,6 @@
 #include "engine/filter.h"
 
 #include "engine/envelope.h"
-#include "engine/filterKernels.h"
 #include "engine/shapers.h"
 
 #include <algorithm>
@@ -9,37 +8,32 @@
 
 namespace tolm {
 
-struct FilterType {
-    int id;
-    FilterKernel kernel;
-    Shaper shaper = Shaper::none;
-    bool saturates = false; // after the kernel
-    bool split = false;     // takes two input buffers
-};
-
 namespace {
 
+// By id. Id 18 is internal: no menu offers it.
 constexpr FilterType kFilterTypes[] = {
-    {0, lowpass12},
-    {1, lowpass24},
-    {2, lowpass12, Shaper::distort},
-    {3, combLowpass},
-    {4, lowpass12, Shaper::crush},
-    {5, ladder<4>, Shaper::none, true},
-    {6, lowpass12, Shaper::follow},
-    {7, ladder<4>},
-    {8, lowpass24Lowpass12},
-    {9, seriesFilter<kBand>},
-    {10, seriesFilter<kNotch>},
-    {11, seriesFilter<kHigh>},
-    {12, splitFilter<kLow>, Shaper::none, false, true},
-    {13, splitFilter<kBand>, Shaper::none, false, true},
-    {14, splitFilter<kNotch>, Shaper::none, false, true},
-    {15, splitFilter<kHigh>, Shaper::none, false, true},
-    {16, sweep},
-    {17, ladder<2>},
-    {18, ladder<4>, Shaper::distort, true}, // internal: not in the menu
+    {0, Kernel::lowpass12},
+    {1, Kernel::lowpass24},
+    {2, Kernel::lowpass12, Shaper::distort},
+    {3, Kernel::comb},
+    {4, Kernel::lowpass12, Shaper::crush},
+    {5, Kernel::ladder24, Shaper::none, true},
+    {6, Kernel::lowpass12, Shaper::follow},
+    {7, Kernel::ladder24},
+    {8, Kernel::lowpass24Lowpass12},
+    {9, Kernel::seriesBand},
+    {10, Kernel::seriesNotch},
+    {11, Kernel::seriesHigh},
+    {12, Kernel::splitLow, Shaper::none, false, true},
+    {13, Kernel::splitBand, Shaper::none, false, true},
+    {14, Kernel::splitNotch, Shaper::none, false, true},
+    {15, Kernel::splitHigh, Shaper::none, false, true},
+    {16, Kernel::sweep},
+    {17, Kernel::ladder12},
+    {18, Kernel::ladder24, Shaper::distort, true},
 };
+constexpr int kTypeCount = static_cast<int>(std::size(kFilterTypes));
+static_assert(kFilterTypes[kTypeCount - 1].id == kTypeCount - 1);
 
 // A state-variable section with damping q is stable below sqrt(q^2 + 4) - q; the lowest limit of a
 // call is that of its highest damping. Never reached at 44.1 kHz and above.
@@ -68,59 +62,71 @@ void shape(Shaper shaper, std::span<float> buffer, const VoiceControl& control, 
     }
 }
 
-} // namespace
-
-const FilterType& filterType(int id)
+void preparePosition(FilterCall& call, VoiceSlot& slot, const VoiceControl& control,
+                     std::span<const float> cutoffFm)
 {
-    for (const FilterType& type : kFilterTypes)
-        if (type.id == id)
-            return type;
-    return kFilterTypes[0];
+    const std::size_t frames = call.frames;
+    runFilterEnvelope(slot.filter, control.filterEnvelope, std::span(call.position).first(frames));
+    slot.filter.level = flushTiny(slot.filter.level, 1e-8f);
+    // Copies, so that the compiler need not fear that the buffers overlap them.
+    const Ramp cutoff = control.cutoff;
+    const Ramp resonance = control.resonance;
+    const float amount = control.filterEnv;
+    const auto frameCount = static_cast<int>(frames);
+    float* position = call.position.data();
+    for (int i = 0; i < frameCount; ++i)
+        position[i] = position[i] * amount + cutoff.at(i);
+    for (std::size_t i = 0; i < cutoffFm.size(); ++i)
+        call.position[i] += cutoffFm[i];
+    for (std::size_t i = 0; i < frames; ++i)
+        call.position[i] *= static_cast<float>(kCutoffScale);
+    float* clamped = call.resonance.data();
+    for (int i = 0; i < frameCount; ++i)
+        clamped[i] = atMost(atLeast(resonance.at(i), 0.0f), 1.0f);
 }
 
-bool isSplit(const FilterType& type)
+void prepare(FilterCall& call, EngineRecord& r, const VoiceControl& control, double sampleRateHz,
+             const FilterInput& input)
 {
-    return type.split;
-}
-
-void filterVoice(EngineRecord& r, std::size_t voice, const VoiceControl& control,
-                 double sampleRateHz, std::span<float> buffer, std::span<const float> split,
-                 std::span<const float> cutoffFm)
-{
-    VoiceSlot& slot = r.slot[voice];
+    VoiceSlot& slot = r.slot[input.index];
     const FilterType& type = filterType(control.filterType);
-    const auto frames = static_cast<int>(buffer.size());
-    shape(type.shaper, buffer, control, sampleRateHz, slot);
-
-    std::array<float, kMaxSliceFrames> position;
-    std::array<float, kMaxSliceFrames> resonance;
-    runFilterEnvelope(slot.filter, control.filterEnvelope,
-                      std::span(position).first(buffer.size()));
-    for (int i = 0; i < frames; ++i) {
-        const auto k = static_cast<std::size_t>(i);
-        const float fm = cutoffFm.empty() ? 0.0f : cutoffFm[k];
-        position[k] = (position[k] * control.filterEnv + fm + control.cutoff.at(i)) *
-                      static_cast<float>(kCutoffScale);
-        resonance[k] = std::clamp(control.resonance.at(i), 0.0f, 1.0f);
-    }
-
-    FilterCall call;
-    call.voice = buffer;
-    call.split = split;
-    call.position = std::span(position).first(buffer.size());
-    call.resonance = std::span(resonance).first(buffer.size());
+    shape(type.shaper, input.voice, control, sampleRateHz, slot);
+    std::copy(input.voice.begin(), input.voice.end(), call.voice.begin());
+    if (type.split)
+        std::copy(input.split.begin(), input.split.end(), call.split.begin());
+    call.frames = input.voice.size();
+    preparePosition(call, slot, control, input.cutoffFm);
     call.tables = &r.rateTables;
-    call.coefficientLimit = coefficientLimit(control.resonance, frames);
+    call.coefficientLimit = coefficientLimit(control.resonance, static_cast<int>(call.frames));
     call.offset = control.filterOffset;
     call.comb = control.comb;
     call.combFrames = static_cast<float>(sampleRateHz) / control.osc1Hz;
     call.state = &slot.filterState;
-    call.line = &r.combLine[voice];
-    type.kernel(call);
+    call.line = &r.combLine[input.index];
+}
 
-    if (type.saturates)
-        saturate(buffer, control.filterOffset);
-    slot.filter.level = flushTiny(slot.filter.level, 1e-8f);
+} // namespace
+
+const FilterType& filterType(int id)
+{
+    return kFilterTypes[id >= 0 && id < kTypeCount ? id : 0];
+}
+
+void filterVoices(EngineRecord& r, const PerVoice<VoiceControl>& control, double sampleRateHz,
+                  std::span<const FilterInput> inputs)
+{
+    std::array<FilterCall, kFilterLanes> calls;
+    for (std::size_t lane = 0; lane < inputs.size(); ++lane)
+        prepare(calls[lane], r, control[inputs[lane].index], sampleRateHz, inputs[lane]);
+    const FilterType& first = filterType(control[inputs[0].index].filterType);
+    filterKernel(first.kernel)(std::span(calls).first(inputs.size()));
+    for (std::size_t lane = 0; lane < inputs.size(); ++lane) {
+        const FilterInput& input = inputs[lane];
+        const VoiceControl& c = control[input.index];
+        std::copy_n(calls[lane].voice.begin(), input.voice.size(), input.voice.begin());
+        if (filterType(c.filterType).saturates)
+            saturate(input.voice, c.filterOffset);
+    }
 }
 
 } // namespace tolm

@@ -10,135 +10,248 @@ namespace tolm {
 namespace {
 
 constexpr int kLastSvfIndex = 2047;
-constexpr float kOpenOffset = 0.999f; // from here on the second section is left out
 
-// Both two-section kinds relate the second cutoff index to the first by a ratio of indices.
-float splitRatio(float offset)
+// ---- What every frame needs, before the recursion ------------------------------------------
+
+// Cutoff indices of position * ratio, truncated and clamped to 0..last.
+void indices(const FilterCall& call, float ratio, int last,
+             std::array<std::int32_t, kMaxSliceFrames>& out)
+{
+    const auto highest = static_cast<float>(last);
+    const std::size_t frames = call.frames;
+    for (std::size_t i = 0; i < frames; ++i)
+        out[i] =
+            static_cast<std::int32_t>(atMost(atLeast(call.position[i] * ratio, 0.0f), highest));
+}
+
+void svfCoefficients(const FilterCall& call, float ratio, float limit, SliceBuffer& f)
+{
+    std::array<std::int32_t, kMaxSliceFrames> index;
+    indices(call, ratio, kLastSvfIndex, index);
+    const float* table = call.tables->svf.data();
+    const std::size_t frames = call.frames;
+    for (std::size_t i = 0; i < frames; ++i)
+        f[i] = atMost(table[index[i]], limit);
+}
+
+// min(1, 1 - depth * resonance)
+void damping(const FilterCall& call, float depth, SliceBuffer& q)
+{
+    const std::size_t frames = call.frames;
+    for (std::size_t i = 0; i < frames; ++i)
+        q[i] = atMost(1.0f - depth * call.resonance[i], 1.0f);
+}
+
+constexpr float kSvfResonance = 0.9f;
+// A section that always runs with full damping, q = 1, is stable below sqrt(5) - 1.
+constexpr float kUndampedLimit = 0.97f * 1.2360680f;
+
+void prepareSection(FilterCall& call)
+{
+    svfCoefficients(call, 1.0f, call.coefficientLimit, call.f);
+    damping(call, kSvfResonance, call.q);
+}
+
+// ---- State-variable sections ---------------------------------------------------------------
+
+// Outputs of a section.
+enum class Output { low, band, high, notch };
+
+struct Section {
+    float lp;
+    float bp;
+
+    template <Output output>
+    float step(float x, float f, float q)
+    {
+        const float hp = x - lp - q * bp;
+        bp += f * hp;
+        lp += f * bp;
+        if constexpr (output == Output::low)
+            return lp;
+        else if constexpr (output == Output::band)
+            return bp;
+        else if constexpr (output == Output::high)
+            return hp;
+        else
+            return hp + lp;
+    }
+};
+
+// Section n keeps its integrators at 2n and 2n + 1 of the voice's filter state.
+Section loadSection(const FilterCall& call, std::size_t n)
+{
+    return {(*call.state)[2 * n], (*call.state)[2 * n + 1]};
+}
+
+void storeSection(FilterCall& call, std::size_t n, const Section& section)
+{
+    (*call.state)[2 * n] = flushTiny(section.lp);
+    (*call.state)[2 * n + 1] = flushTiny(section.bp);
+}
+
+struct Lowpass12 {
+    Section section;
+
+    static void prepare(FilterCall& call) { prepareSection(call); }
+    explicit Lowpass12(const FilterCall& call) : section(loadSection(call, 0)) {}
+    void step(FilterCall& call, std::size_t i)
+    {
+        call.voice[i] = section.step<Output::low>(call.voice[i], call.f[i], call.q[i]);
+    }
+    void finish(FilterCall& call) const { storeSection(call, 0, section); }
+};
+
+struct Lowpass24 {
+    Section first;
+    Section second;
+
+    static void prepare(FilterCall& call) { prepareSection(call); }
+    explicit Lowpass24(const FilterCall& call)
+        : first(loadSection(call, 0)), second(loadSection(call, 1))
+    {
+    }
+    void step(FilterCall& call, std::size_t i)
+    {
+        const float y = first.step<Output::low>(call.voice[i], call.f[i], call.q[i]);
+        call.voice[i] = second.step<Output::low>(y, call.f[i], call.q[i]);
+    }
+    void finish(FilterCall& call) const
+    {
+        storeSection(call, 0, first);
+        storeSection(call, 1, second);
+    }
+};
+
+// The offset relates the second section's cutoff index to the first's by a ratio of indices.
+float narrowRatio(float offset)
 {
     return curve(offset, 0.5f, 2.0f);
-}
-float seriesRatio(float offset)
-{
-    return offset <= 0.5f ? curve(offset, 0.5f, 2.0f) : curve(offset, 0.25f, 4.0f);
 }
 float wideRatio(float offset)
 {
     return curve(offset, 0.25f, 4.0f);
 }
 
-int indexOf(float position, int last)
-{
-    return static_cast<int>(std::clamp(position, 0.0f, static_cast<float>(last)));
-}
+// Oscillator 1 through a section of any kind, the rest through a low-pass, summed.
+template <Output output>
+struct Split {
+    Section first;
+    Section second;
 
-float svfCoefficient(const FilterCall& call, float position)
-{
-    const auto index = static_cast<std::size_t>(indexOf(position, kLastSvfIndex));
-    return std::min(call.tables->svf[index], call.coefficientLimit);
-}
-
-float damping(float resonance)
-{
-    return std::min(1.0f, 1.0f - 0.9f * resonance);
-}
-
-// One state-variable section; `state` points at its low-pass and band-pass integrators.
-struct Section {
-    float lp;
-    float bp;
-
-    explicit Section(const float* state) : lp(state[0]), bp(state[1]) {}
-    template <int output>
-    float step(float x, float f, float q)
+    static void prepare(FilterCall& call)
     {
-        const float hp = x - lp - q * bp;
-        bp += f * hp;
-        lp += f * bp;
-        if constexpr (output == kLow)
-            return lp;
-        else if constexpr (output == kBand)
-            return bp;
-        else if constexpr (output == kHigh)
-            return hp;
-        else
-            return hp + lp;
+        prepareSection(call);
+        svfCoefficients(call, narrowRatio(call.offset), call.coefficientLimit, call.f2);
     }
-    void store(float* state) const
+    explicit Split(const FilterCall& call)
+        : first(loadSection(call, 0)), second(loadSection(call, 1))
     {
-        state[0] = flushTiny(lp);
-        state[1] = flushTiny(bp);
+    }
+    void step(FilterCall& call, std::size_t i)
+    {
+        const float a = first.step<output>(call.voice[i], call.f[i], call.q[i]);
+        call.voice[i] = a + second.step<Output::low>(call.split[i], call.f2[i], call.q[i]);
+    }
+    void finish(FilterCall& call) const
+    {
+        storeSection(call, 0, first);
+        storeSection(call, 1, second);
     }
 };
 
-} // namespace
+// A section of any kind into a low-pass. At the end of the offset's range the second is left out
+// and keeps its state.
+template <Output output>
+struct Series {
+    static constexpr float kOpenOffset = 0.999f;
 
-void lowpass12(const FilterCall& call)
-{
-    Section section(call.state->data());
-    for (std::size_t i = 0; i < call.voice.size(); ++i)
-        call.voice[i] = section.step<kLow>(call.voice[i], svfCoefficient(call, call.position[i]),
-                                           damping(call.resonance[i]));
-    section.store(call.state->data());
-}
+    Section first;
+    Section second;
+    bool open;
 
-void lowpass24(const FilterCall& call)
-{
-    Section first(call.state->data());
-    Section second(call.state->data() + 2);
-    for (std::size_t i = 0; i < call.voice.size(); ++i) {
-        const float f = svfCoefficient(call, call.position[i]);
-        const float q = damping(call.resonance[i]);
-        call.voice[i] = second.step<kLow>(first.step<kLow>(call.voice[i], f, q), f, q);
+    static void prepare(FilterCall& call)
+    {
+        const float offset = call.offset;
+        prepareSection(call);
+        const float ratio = offset <= 0.5f ? narrowRatio(offset) : wideRatio(offset);
+        svfCoefficients(call, ratio, call.coefficientLimit, call.f2);
     }
-    first.store(call.state->data());
-    second.store(call.state->data() + 2);
-}
-
-template <int sectionOutput>
-void splitFilter(const FilterCall& call)
-{
-    const float ratio = splitRatio(call.offset);
-    Section first(call.state->data());
-    Section second(call.state->data() + 2);
-    for (std::size_t i = 0; i < call.voice.size(); ++i) {
-        const float position = call.position[i];
-        const float q = damping(call.resonance[i]);
-        const float a = first.step<sectionOutput>(call.voice[i], svfCoefficient(call, position), q);
-        const float b = second.step<kLow>(call.split[i], svfCoefficient(call, position * ratio), q);
-        call.voice[i] = a + b;
+    explicit Series(const FilterCall& call)
+        : first(loadSection(call, 0)),
+          second(loadSection(call, 1)),
+          open(call.offset >= kOpenOffset)
+    {
     }
-    first.store(call.state->data());
-    second.store(call.state->data() + 2);
-}
-template void splitFilter<kLow>(const FilterCall&);
-template void splitFilter<kBand>(const FilterCall&);
-template void splitFilter<kHigh>(const FilterCall&);
-template void splitFilter<kNotch>(const FilterCall&);
-
-template <int sectionOutput>
-void seriesFilter(const FilterCall& call)
-{
-    const float ratio = seriesRatio(call.offset);
-    const bool open = call.offset >= kOpenOffset;
-    Section first(call.state->data());
-    Section second(call.state->data() + 2);
-    for (std::size_t i = 0; i < call.voice.size(); ++i) {
-        const float position = call.position[i];
-        const float q = damping(call.resonance[i]);
-        const float y = first.step<sectionOutput>(call.voice[i], svfCoefficient(call, position), q);
-        call.voice[i] = open ? y : second.step<kLow>(y, svfCoefficient(call, position * ratio), q);
+    void step(FilterCall& call, std::size_t i)
+    {
+        const float y = first.step<output>(call.voice[i], call.f[i], call.q[i]);
+        call.voice[i] = open ? y : second.step<Output::low>(y, call.f2[i], call.q[i]);
     }
-    first.store(call.state->data());
-    if (!open)
-        second.store(call.state->data() + 2);
-}
-template void seriesFilter<kBand>(const FilterCall&);
-template void seriesFilter<kHigh>(const FilterCall&);
-template void seriesFilter<kNotch>(const FilterCall&);
+    void finish(FilterCall& call) const
+    {
+        storeSection(call, 0, first);
+        if (!open)
+            storeSection(call, 1, second);
+    }
+};
 
-// ---- Ladders --------------------------------------------------------------------------------
+// The 24 dB part resonates in its second stage only, so that three peaks do not multiply.
+struct Lowpass24Lowpass12 {
+    static constexpr float kLastResonance = 0.96f;
 
-namespace {
+    Section first;
+    Section second;
+    Section third;
+
+    static void prepare(FilterCall& call)
+    {
+        svfCoefficients(call, 1.0f, kUndampedLimit, call.f);
+        damping(call, kSvfResonance, call.q);
+        svfCoefficients(call, wideRatio(call.offset), call.coefficientLimit, call.f2);
+        // The first input is not needed twice: its buffer takes the last section's damping.
+        damping(call, kLastResonance, call.split);
+    }
+    explicit Lowpass24Lowpass12(const FilterCall& call)
+        : first(loadSection(call, 0)), second(loadSection(call, 1)), third(loadSection(call, 2))
+    {
+    }
+    void step(FilterCall& call, std::size_t i)
+    {
+        const float y = first.step<Output::low>(call.voice[i], call.f[i], 1.0f);
+        const float z = second.step<Output::low>(y, call.f[i], call.q[i]);
+        call.voice[i] = third.step<Output::low>(z, call.f2[i], call.split[i]);
+    }
+    void finish(FilterCall& call) const
+    {
+        storeSection(call, 0, first);
+        storeSection(call, 1, second);
+        storeSection(call, 2, third);
+    }
+};
+
+// The offset morphs one section's output: low-pass at 0, band-pass at 0.5, high-pass at 1.
+struct Sweep {
+    Section section;
+    float low;
+    float high;
+
+    static void prepare(FilterCall& call) { prepareSection(call); }
+    explicit Sweep(const FilterCall& call)
+        : section(loadSection(call, 0)),
+          low(std::max(0.0f, 1.0f - 2.0f * call.offset)),
+          high(std::max(0.0f, 2.0f * call.offset - 1.0f))
+    {
+    }
+    void step(FilterCall& call, std::size_t i)
+    {
+        const float hp = section.step<Output::high>(call.voice[i], call.f[i], call.q[i]);
+        call.voice[i] = low * section.lp + (1.0f - low - high) * section.bp + high * hp;
+    }
+    void finish(FilterCall& call) const { storeSection(call, 0, section); }
+};
+
+// ---- Ladders -------------------------------------------------------------------------------
 
 // With a zero at -0.3 the four stages become unstable at a loop gain of 4.0 to 3.5 over the whole
 // range of cutoffs. Each stage has a gain of 3.5^(1/4), so that 0.95 of feedback stays below that
@@ -147,8 +260,6 @@ constexpr float kLadderZero = 0.3f;
 constexpr float kStageGain = 1.3677824f;
 constexpr float kLadderInput = 0.35f;
 constexpr float kLadderFeedback = 0.95f;
-// The tap after two stages has less gain by that of the other two.
-constexpr float kTwoPoleMakeUp = kStageGain * kStageGain;
 
 struct LadderStage {
     float x1;
@@ -164,118 +275,158 @@ struct LadderStage {
     }
 };
 
-} // namespace
-
 template <int poles>
-void ladder(const FilterCall& call)
-{
-    FilterState& s = *call.state;
+struct Ladder {
     // A stage's last input is the last output of the stage before it.
-    LadderStage stage[4] = {{s[0], s[1]}, {s[1], s[2]}, {s[2], s[3]}, {s[3], s[4]}};
-    const int cap = call.tables->ladderCap;
-    for (std::size_t i = 0; i < call.voice.size(); ++i) {
-        const float q =
-            call.tables->ladder[static_cast<std::size_t>(indexOf(call.position[i], cap))];
-        const float b = kStageGain / (1.0f + kLadderZero) * (1.0f + q);
-        const float input =
-            call.voice[i] * kLadderInput - kLadderFeedback * call.resonance[i] * stage[3].y1;
+    LadderStage stage[4];
+
+    static void prepare(FilterCall& call)
+    {
+        std::array<std::int32_t, kMaxSliceFrames> index;
+        indices(call, 1.0f, call.tables->ladderCap, index);
+        for (std::size_t i = 0; i < call.frames; ++i)
+            call.q[i] = call.tables->ladder[static_cast<std::size_t>(index[i])];
+        for (std::size_t i = 0; i < call.frames; ++i) {
+            call.f[i] = kStageGain / (1.0f + kLadderZero) * (1.0f + call.q[i]);
+            call.f2[i] = kLadderFeedback * call.resonance[i];
+        }
+    }
+    explicit Ladder(const FilterCall& call)
+    {
+        const FilterState& s = *call.state;
+        for (std::size_t k = 0; k < 4; ++k)
+            stage[k] = {s[k], s[k + 1]};
+    }
+    void step(FilterCall& call, std::size_t i)
+    {
+        const float b = call.f[i];
+        const float q = call.q[i];
+        const float input = call.voice[i] * kLadderInput - call.f2[i] * stage[3].y1;
         const float y1 = stage[0].step(input, b, q);
         const float y2 = stage[1].step(y1, b, q);
         const float y3 = stage[2].step(y2, b, q);
         const float y4 = stage[3].step(y3, b, q);
-        call.voice[i] = poles == 2 ? y2 * kTwoPoleMakeUp : y4;
+        // The tap after two stages makes up for the gain of the other two.
+        call.voice[i] = poles == 2 ? y2 * (kStageGain * kStageGain) : y4;
     }
-    s[0] = flushTiny(stage[0].x1);
-    for (std::size_t k = 0; k < 4; ++k)
-        s[k + 1] = flushTiny(stage[k].y1);
-}
-template void ladder<2>(const FilterCall&);
-template void ladder<4>(const FilterCall&);
+    void finish(FilterCall& call) const
+    {
+        FilterState& s = *call.state;
+        s[0] = flushTiny(stage[0].x1);
+        for (std::size_t k = 0; k < 4; ++k)
+            s[k + 1] = flushTiny(stage[k].y1);
+    }
+};
 
-// ---- Comb -----------------------------------------------------------------------------------
+// ---- Comb ----------------------------------------------------------------------------------
 
-namespace {
-
-constexpr float kCombFeedback = 0.95f;
-constexpr float kCombDamping = 1.0f; // of the low-pass behind it
 constexpr float kShortestComb = 2.0f;
 constexpr float kLongestComb = static_cast<float>(kCombFrames - 2);
 
 float combDelay(const FilterCall& call)
 {
-    float frames =
-        call.combFrames / (wideRatio(call.offset) * std::exp2(std::clamp(call.comb, -4.0f, 4.0f)));
+    const float octaves = std::clamp(call.comb, -4.0f, 4.0f);
+    float frames = call.combFrames / (wideRatio(call.offset) * std::exp2(octaves));
     while (frames > kLongestComb)
         frames *= 0.5f; // teeth an octave up rather than out of reach
     return std::max(frames, kShortestComb);
 }
 
-} // namespace
-
 // A comb whose teeth stand on the harmonics of oscillator 1, moved by the offset over two octaves
 // up and down, fed back by the resonance, and a low-pass of 24 dB per octave behind it.
-void combLowpass(const FilterCall& call)
-{
-    FilterState& s = *call.state;
-    Section first(s.data());
-    Section second(s.data() + 2);
-    CombLine& line = *call.line;
-    const float target = combDelay(call);
-    float delay = line.filled == 0 ? target : line.delayFrames;
-    const float slope = (target - delay) / static_cast<float>(call.voice.size());
-    for (std::size_t i = 0; i < call.voice.size(); ++i) {
+struct Comb {
+    static constexpr float kFeedback = 0.95f;
+    static constexpr float kLevel = 0.6f; // holds the level between pass band and peaks
+
+    Section first;
+    Section second;
+    float delay;
+    float slope;
+
+    static void prepare(FilterCall& call)
+    {
+        svfCoefficients(call, 1.0f, kUndampedLimit, call.f);
+        for (std::size_t i = 0; i < call.frames; ++i)
+            call.q[i] = atMost(kFeedback * call.resonance[i], 1.0f);
+    }
+    explicit Comb(const FilterCall& call)
+        : first(loadSection(call, 0)), second(loadSection(call, 1))
+    {
+        const float target = combDelay(call);
+        delay = call.line->filled == 0 ? target : call.line->delayFrames;
+        slope = (target - delay) / static_cast<float>(call.frames);
+    }
+    void step(FilterCall& call, std::size_t i)
+    {
+        CombLine& line = *call.line;
         const auto whole = static_cast<int>(delay);
         const float fraction = delay - static_cast<float>(whole);
         const float tap = line.tap(whole) * (1.0f - fraction) + line.tap(whole + 1) * fraction;
-        const float feedback = std::min(1.0f, kCombFeedback * call.resonance[i]);
+        const float feedback = call.q[i];
         const float v = call.voice[i] + feedback * tap;
         line.push(v);
-        // The teeth grow with the feedback; the level is held between pass band and peaks.
-        const float y = 0.5f * (v + tap) * (1.0f - 0.6f * feedback);
-        const float f = svfCoefficient(call, call.position[i]);
-        call.voice[i] = second.step<kLow>(first.step<kLow>(y, f, kCombDamping), f, kCombDamping);
+        const float y = 0.5f * (v + tap) * (1.0f - kLevel * feedback);
+        const float z = first.step<Output::low>(y, call.f[i], 1.0f);
+        call.voice[i] = second.step<Output::low>(z, call.f[i], 1.0f);
         delay += slope;
     }
-    line.delayFrames = target;
-    first.store(s.data());
-    second.store(s.data() + 2);
+    void finish(FilterCall& call) const
+    {
+        call.line->delayFrames = delay;
+        storeSection(call, 0, first);
+        storeSection(call, 1, second);
+    }
+};
+
+// ---- Lanes ---------------------------------------------------------------------------------
+
+template <class K, std::size_t... lane>
+void runLanes(std::span<FilterCall> calls, std::index_sequence<lane...>)
+{
+    K kernels[] = {K(calls[lane])...};
+    FilterCall* const c = calls.data();
+    const std::size_t frames = c->frames;
+    for (std::size_t i = 0; i < frames; ++i)
+        (kernels[lane].step(c[lane], i), ...);
+    (kernels[lane].finish(c[lane]), ...);
 }
 
-// ---- LP24 -> LP12 and sweep -----------------------------------------------------------------
-
-// The 24 dB part resonates in its second stage only, so that three peaks do not multiply.
-void lowpass24Lowpass12(const FilterCall& call)
+template <class K>
+void run(std::span<FilterCall> lanes)
 {
-    FilterState& s = *call.state;
-    const float ratio = wideRatio(call.offset);
-    Section first(s.data());
-    Section second(s.data() + 2);
-    Section third(s.data() + 4);
-    for (std::size_t i = 0; i < call.voice.size(); ++i) {
-        const float f = svfCoefficient(call, call.position[i]);
-        const float f2 = svfCoefficient(call, call.position[i] * ratio);
-        const float y = first.step<kLow>(call.voice[i], f, 1.0f);
-        const float z = second.step<kLow>(y, f, std::min(1.0f, 1.0f - 0.9f * call.resonance[i]));
-        call.voice[i] = third.step<kLow>(z, f2, std::min(1.0f, 1.0f - 0.96f * call.resonance[i]));
+    for (FilterCall& call : lanes)
+        K::prepare(call);
+    if (lanes.size() == kFilterLanes) {
+        runLanes<K>(lanes, std::make_index_sequence<kFilterLanes>{});
+        return;
     }
-    first.store(s.data());
-    second.store(s.data() + 2);
-    third.store(s.data() + 4);
+    for (std::size_t lane = 0; lane < lanes.size(); ++lane)
+        runLanes<K>(lanes.subspan(lane, 1), std::make_index_sequence<1>{});
 }
 
-// The offset morphs one section's output: low-pass at 0, band-pass at 0.5, high-pass at 1.
-void sweep(const FilterCall& call)
+constexpr FilterKernel kKernels[] = {
+    run<Lowpass12>,
+    run<Lowpass24>,
+    run<Split<Output::low>>,
+    run<Split<Output::band>>,
+    run<Split<Output::notch>>,
+    run<Split<Output::high>>,
+    run<Ladder<4>>,
+    run<Ladder<2>>,
+    run<Series<Output::band>>,
+    run<Series<Output::notch>>,
+    run<Series<Output::high>>,
+    run<Comb>,
+    run<Lowpass24Lowpass12>,
+    run<Sweep>,
+};
+static_assert(std::size(kKernels) == static_cast<std::size_t>(Kernel::count));
+
+} // namespace
+
+FilterKernel filterKernel(Kernel kernel)
 {
-    const float low = std::max(0.0f, 1.0f - 2.0f * call.offset);
-    const float high = std::max(0.0f, 2.0f * call.offset - 1.0f);
-    const float band = 1.0f - low - high;
-    Section section(call.state->data());
-    for (std::size_t i = 0; i < call.voice.size(); ++i) {
-        const float f = svfCoefficient(call, call.position[i]);
-        const float hp = section.step<kHigh>(call.voice[i], f, damping(call.resonance[i]));
-        call.voice[i] = low * section.lp + band * section.bp + high * hp;
-    }
-    section.store(call.state->data());
+    return kKernels[static_cast<std::size_t>(kernel)];
 }
 
 } // namespace tolm

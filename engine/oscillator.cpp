@@ -3,13 +3,12 @@
 #include "engine/syncOscillator.h"
 #include "engine/tableReader.h"
 
+#include <algorithm>
 #include <array>
 
 namespace tolm {
 
 namespace {
-
-using SliceBuffer = std::array<float, kMaxSliceFrames>;
 
 constexpr int kOsc1FractionBits = 10;
 constexpr int kOsc2FractionBits = 8;
@@ -54,30 +53,134 @@ std::int32_t readOscillator(const Reader& reader, const OscillatorControl& o,
     return value;
 }
 
-template <bool pulse, bool fat, class Reader>
-void renderOscillator1(const Reader& reader, const OscillatorControl& o, VoiceSlot& slot,
-                       std::span<float> out)
+// ---- Unmodulated oscillators: a whole slice at a time ----------------------------------------
+//
+// With a constant increment all phases of a slice are known beforehand. Index arithmetic, table
+// reads and interpolation then run as loops of their own, of which the first and last vectorise.
+// The samples are those of readOscillator.
+
+using IntBuffer = std::array<std::int32_t, kMaxSliceFrames>;
+
+// Values at `phase + offset`, interpolated with the fraction of `phase`.
+template <int bits>
+void readTable(const std::int16_t* table, std::uint32_t phase, std::uint32_t increment,
+               std::uint32_t offset, int frames, std::int32_t* __restrict out)
 {
-    auto sidePhase = slot.fatPhase[0];
-    const FatSides<Reader> sides{reader, sidePhase, o.sideIncrement};
-    std::uint32_t phase = slot.osc1Phase;
-    for (float& sample : out) {
-        sample = static_cast<float>(
-            readOscillator<kOsc1FractionBits, pulse, fat>(reader, o, sides, phase));
-        phase += o.increment;
-        if constexpr (fat)
-            sides.advance();
+    IntBuffer index;
+    IntBuffer next;
+    IntBuffer fraction;
+    for (int i = 0; i < frames; ++i) {
+        const std::uint32_t at = phase + increment * static_cast<std::uint32_t>(i);
+        const std::uint32_t entry = tableIndex(at + offset);
+        index[static_cast<std::size_t>(i)] = static_cast<std::int32_t>(entry);
+        next[static_cast<std::size_t>(i)] = static_cast<std::int32_t>((entry + 1) & kTableMask);
+        fraction[static_cast<std::size_t>(i)] = tableFraction<bits>(at);
     }
-    slot.osc1Phase = phase;
-    slot.fatPhase[0] = sidePhase;
+    IntBuffer from;
+    IntBuffer to;
+    for (std::size_t i = 0; i < static_cast<std::size_t>(frames); ++i) {
+        from[i] = table[index[i]];
+        to[i] = table[next[i]];
+    }
+    for (int i = 0; i < frames; ++i) {
+        const auto k = static_cast<std::size_t>(i);
+        out[i] = from[k] + (to[k] - from[k]) * fraction[k] / (1 << bits);
+    }
 }
+
+template <int bits>
+void readShape(const OscillatorControl& o, std::uint32_t phase, std::uint32_t offset, int frames,
+               std::int32_t* __restrict out)
+{
+    readTable<bits>(o.table, phase, o.increment, offset, frames, out);
+    if (o.shape != OscillatorShape::wavetable || o.blend == 0)
+        return;
+    IntBuffer partner;
+    readTable<bits>(o.partner, phase, o.increment, offset, frames, partner.data());
+    const std::int32_t blend = o.blend;
+    for (int i = 0; i < frames; ++i)
+        out[i] = (out[i] * (1024 - blend) + partner[static_cast<std::size_t>(i)] * blend) / 1024;
+}
+
+// Sum of the six fat voices, read without interpolation: two runs of three, whose phases and
+// increments stay in registers.
+template <class Reader>
+void sumSides(const Reader& reader, const std::array<std::uint32_t, kFatVoices>& phases,
+              const OscillatorControl& o, std::uint32_t offset, int frames,
+              std::int32_t* __restrict out)
+{
+    constexpr std::size_t kRun = 3;
+    static_assert(kFatVoices == 2 * kRun);
+    std::fill_n(out, frames, 0);
+    for (std::size_t side = 0; side < kFatVoices; side += kRun) {
+        std::uint32_t a = phases[side] + offset;
+        std::uint32_t b = phases[side + 1] + offset;
+        std::uint32_t c = phases[side + 2] + offset;
+        const std::uint32_t da = o.sideIncrement[side];
+        const std::uint32_t db = o.sideIncrement[side + 1];
+        const std::uint32_t dc = o.sideIncrement[side + 2];
+        for (int i = 0; i < frames; ++i) {
+            out[i] +=
+                reader.at(tableIndex(a)) + reader.at(tableIndex(b)) + reader.at(tableIndex(c));
+            a += da;
+            b += db;
+            c += dc;
+        }
+    }
+}
+
+void weigh(std::int32_t* __restrict value, std::int32_t mainWeight,
+           const std::int32_t* __restrict sides, std::int32_t sideWeight, int frames)
+{
+    for (int i = 0; i < frames; ++i)
+        value[i] = (value[i] * mainWeight + sides[i] * sideWeight) / 1024;
+}
+
+template <class Reader>
+void addSides(const Reader& reader, const OscillatorControl& o,
+              std::array<std::uint32_t, kFatVoices>& phases, int frames, std::int32_t* value)
+{
+    IntBuffer sides;
+    if (o.shape == OscillatorShape::pulse) {
+        // The main term takes its weight twice; the sound of fat pulses depends on it.
+        sumSides(reader, phases, o, o.pulseOffset, frames, sides.data());
+        weigh(value, o.mainWeight, sides.data(), -o.sideWeight, frames);
+    }
+    sumSides(reader, phases, o, 0, frames, sides.data());
+    weigh(value, o.mainWeight, sides.data(), o.sideWeight, frames);
+    for (std::size_t side = 0; side < kFatVoices; ++side)
+        phases[side] += o.sideIncrement[side] * static_cast<std::uint32_t>(frames);
+}
+
+template <int bits>
+void renderUnmodulated(const OscillatorControl& o, std::uint32_t& phase,
+                       std::array<std::uint32_t, kFatVoices>& sidePhases, std::span<float> out)
+{
+    const int frames = static_cast<int>(out.size());
+    IntBuffer value;
+    readShape<bits>(o, phase, 0, frames, value.data());
+    if (o.shape == OscillatorShape::pulse) {
+        IntBuffer shifted;
+        readShape<bits>(o, phase, o.pulseOffset, frames, shifted.data());
+        for (std::size_t i = 0; i < out.size(); ++i)
+            value[i] -= shifted[i];
+    }
+    if (o.fat && o.shape == OscillatorShape::wavetable)
+        addSides(BlendedTables{o.table, o.partner, o.blend}, o, sidePhases, frames, value.data());
+    else if (o.fat)
+        addSides(SingleTable{o.table}, o, sidePhases, frames, value.data());
+    for (std::size_t i = 0; i < out.size(); ++i)
+        out[i] = static_cast<float>(value[i]);
+    phase += o.increment * static_cast<std::uint32_t>(frames);
+}
+
+// ---- Oscillator 2 with FM or as one-shot: frame by frame -------------------------------------
 
 enum class Fm { none, feedback, dual };
 
-// Oscillator 2, modulated by oscillator 1 and itself.
 template <bool pulse, bool fat, Fm fm, bool oneShot, class Reader>
-void renderOscillator2(const Reader& reader, const VoiceControl& control, VoiceSlot& slot,
-                       std::span<const float> osc1, std::span<float> out)
+void renderModulated(const Reader& reader, const VoiceControl& control, VoiceSlot& slot,
+                     std::span<const float> osc1, std::span<float> out)
 {
     const OscillatorControl& o = control.osc[1];
     auto sidePhase = slot.fatPhase[1];
@@ -144,15 +247,19 @@ void withFm(bool on, FmMode mode, F f)
         f(FmConstant<Fm::none>{});
 }
 
-void oscillator2(const EngineRecord& r, VoiceSlot& slot, const VoiceControl& control,
-                 std::span<const float> osc1, std::span<float> out)
+void renderOscillator2(const EngineRecord& r, VoiceSlot& slot, const VoiceControl& control,
+                       std::span<const float> osc1, std::span<float> out)
 {
+    if (!control.oneShot && (!control.fmOn || r.fmMode == FmMode::filter)) {
+        renderUnmodulated<kOsc2FractionBits>(control.osc[1], slot.osc2Phase, slot.fatPhase[1], out);
+        return;
+    }
     withShape(control.osc[1], [&](auto reader, auto pulse, auto fat) {
         withFm(control.fmOn, r.fmMode, [&](auto fm) {
             if (control.oneShot)
-                renderOscillator2<pulse(), fat(), fm(), true>(reader, control, slot, osc1, out);
+                renderModulated<pulse(), fat(), fm(), true>(reader, control, slot, osc1, out);
             else
-                renderOscillator2<pulse(), fat(), fm(), false>(reader, control, slot, osc1, out);
+                renderModulated<pulse(), fat(), fm(), false>(reader, control, slot, osc1, out);
         });
     });
 }
@@ -166,13 +273,15 @@ bool renderOscillator3(VoiceSlot& slot, const VoiceControl& control, std::span<f
         return false;
     }
     const SingleTable reader{control.osc3Table};
+    const Ramp level = control.osc3Level;
+    std::uint32_t phase = slot.osc3Phase;
     for (std::size_t i = 0; i < side.size(); ++i) {
         const std::int32_t value = reader.between<kOsc2FractionBits>(
-            tableIndex(slot.osc3Phase), tableFraction<kOsc2FractionBits>(slot.osc3Phase));
-        side[i] =
-            static_cast<float>(value) * control.osc3Level.at(static_cast<int>(i)) / kFullScale;
-        slot.osc3Phase += control.osc3Increment;
+            tableIndex(phase), tableFraction<kOsc2FractionBits>(phase));
+        side[i] = static_cast<float>(value) * level.at(static_cast<int>(i)) * (1.0f / kFullScale);
+        phase += control.osc3Increment;
     }
+    slot.osc3Phase = phase;
     return true;
 }
 
@@ -202,14 +311,15 @@ bool renderNoise(EngineRecord& r, VoiceSlot& slot, const VoiceControl& control,
             r.noiseSeed * kNoiseJump.multiplier[side.size()] + kNoiseJump.increment[side.size()];
         return false;
     }
-    const OnePole& filter = control.noiseFilter;
+    const OnePole filter = control.noiseFilter;
+    const Ramp level = control.noiseLevel;
     std::uint32_t seed = r.noiseSeed;
     float previous = slot.noisePrevious;
     float coloured = slot.noiseColoured;
     for (std::size_t i = 0; i < side.size(); ++i) {
         seed = seed * kLcgMultiplier + kLcgIncrement;
         const auto white = static_cast<float>(static_cast<std::int16_t>(seed >> 16));
-        const float noise = white * control.noiseLevel.at(static_cast<int>(i)) / kFullScale;
+        const float noise = white * level.at(static_cast<int>(i)) * (1.0f / kFullScale);
         coloured = filter.b0 * (noise - previous) - filter.a1 * coloured;
         previous = noise;
         side[i] = add ? side[i] + coloured : coloured;
@@ -225,8 +335,9 @@ bool renderNoise(EngineRecord& r, VoiceSlot& slot, const VoiceControl& control,
 void mixMain(const VoiceControl& c, const SliceBuffer& osc1, const SliceBuffer& osc2,
              std::span<float> out)
 {
+    const Ramp mix = c.oscMix;
     for (std::size_t i = 0; i < out.size(); ++i) {
-        const float m = c.oscMix.at(static_cast<int>(i));
+        const float m = mix.at(static_cast<int>(i));
         out[i] = (osc2[i] * m + osc1[i] * (1.0f - m)) * (1.0f / kFullScale);
     }
 }
@@ -234,8 +345,9 @@ void mixMain(const VoiceControl& c, const SliceBuffer& osc1, const SliceBuffer& 
 void mixRing(const VoiceControl& c, const SliceBuffer& osc1, const SliceBuffer& osc2,
              std::span<float> out)
 {
+    const Ramp ringMod = c.ringMod;
     for (std::size_t i = 0; i < out.size(); ++i) {
-        const float ring = c.ringMod.at(static_cast<int>(i));
+        const float ring = ringMod.at(static_cast<int>(i));
         const float product = osc1[i] * osc2[i] * (1.0f / (kFullScale * kFullScale));
         out[i] = (1.0f - ring) * out[i] + ring * product;
     }
@@ -244,8 +356,9 @@ void mixRing(const VoiceControl& c, const SliceBuffer& osc1, const SliceBuffer& 
 void mixSplit(const VoiceControl& c, const SliceBuffer& osc1, const SliceBuffer& osc2,
               const OscillatorOutput& out)
 {
+    const Ramp mix = c.oscMix;
     for (std::size_t i = 0; i < out.voice.size(); ++i) {
-        const float m = c.oscMix.at(static_cast<int>(i));
+        const float m = mix.at(static_cast<int>(i));
         out.voice[i] = osc1[i] * (1.0f - m) * (1.0f / kFullScale);
         out.split[i] = osc2[i] * m * (1.0f / kFullScale);
     }
@@ -285,14 +398,13 @@ void renderOscillators(EngineRecord& r, std::size_t voice, const VoiceControl& c
     const std::span sideSpan(side.data(), frames);
 
     const std::uint32_t syncPhase = slot.osc1Phase;
-    withShape(control.osc[0], [&](auto reader, auto pulse, auto fat) {
-        renderOscillator1<pulse(), fat()>(reader, control.osc[0], slot, osc1Span);
-    });
+    renderUnmodulated<kOsc1FractionBits>(control.osc[0], slot.osc1Phase, slot.fatPhase[0],
+                                         osc1Span);
     if (r.oscSync) {
         renderSyncedOscillator2(r.fmMode, control, slot, syncPhase, osc1Span, osc2Span);
     } else {
         slot.syncRingValid = false;
-        oscillator2(r, slot, control, osc1Span, osc2Span);
+        renderOscillator2(r, slot, control, osc1Span, osc2Span);
     }
 
     bool hasSide = renderOscillator3(slot, control, sideSpan);

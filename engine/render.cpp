@@ -67,65 +67,89 @@ void oscillatorStage(CallContext& call, RenderScratch& scratch, const Sounding& 
         const OscillatorOutput out{std::span(scratch.voice[v]).first(frames),
                                    std::span(scratch.split[v]).first(frames),
                                    std::span(scratch.cutoffFm[v]).first(frames)};
-        renderOscillators(call.r, v, control, isSplit(filterType(control.filterType)), out);
+        renderOscillators(call.r, v, control, filterType(control.filterType).split, out);
         assert(isFinite(out.voice));
     }
 }
 
+void releaseEnvelopes(EngineRecord& r, std::size_t voice)
+{
+    if (r.voiceReleased[voice] == 0)
+        return;
+    r.slot[voice].amp.stage = EnvelopeStage::release;
+    r.slot[voice].filter.stage = EnvelopeStage::release;
+}
+
+// Voices of one kernel run in groups; nothing that they touch is shared, so their order is free.
 void filterStage(CallContext& call, RenderScratch& scratch, const Sounding& sounding)
 {
+    struct Group {
+        std::array<FilterInput, kFilterLanes> inputs;
+        std::size_t count = 0;
+    };
+    std::array<Group, static_cast<std::size_t>(Kernel::count)> groups;
     EngineRecord& r = call.r;
     const auto frames = static_cast<std::size_t>(call.frames);
+    const auto flush = [&](Group& group) {
+        filterVoices(r, scratch.control, call.module.sampleRateHz(),
+                     std::span(group.inputs).first(group.count));
+        group.count = 0;
+    };
     for (const std::size_t v : sounding.all()) {
-        if (r.voiceReleased[v] != 0) {
-            r.slot[v].amp.stage = EnvelopeStage::release;
-            r.slot[v].filter.stage = EnvelopeStage::release;
-        }
+        releaseEnvelopes(r, v);
         const VoiceControl& control = scratch.control[v];
-        const auto voice = std::span(scratch.voice[v]).first(frames);
         std::span<const float> fm;
         if (modulatesCutoff(r, control))
             fm = std::span(scratch.cutoffFm[v]).first(frames);
-        filterVoice(r, v, control, call.module.sampleRateHz(), voice,
-                    std::span(scratch.split[v]).first(frames), fm);
-        assert(isFinite(voice));
+        const Kernel kernel = filterType(control.filterType).kernel;
+        Group& group = groups[static_cast<std::size_t>(kernel)];
+        group.inputs[group.count++] = {v, std::span(scratch.voice[v]).first(frames),
+                                       std::span(scratch.split[v]).first(frames), fm};
+        if (group.count == kFilterLanes)
+            flush(group);
     }
+    for (Group& group : groups)
+        if (group.count > 0)
+            flush(group);
+    assert(std::all_of(sounding.all().begin(), sounding.all().end(), [&](std::size_t v) {
+        return isFinite(std::span(scratch.voice[v]).first(frames));
+    }));
 }
 
-// A short gain transient after note start, not an added sound.
+// A short gain transient after note start, not an added sound. It stands beside the envelope, so
+// that it is heard during the attack.
 void addSpike(const EngineRecord& r, const VoiceControl& control, std::uint32_t age,
-              std::span<float> samples)
+              std::span<float> levels)
 {
     const auto length = static_cast<std::uint32_t>(r.rateTables.spikeFrames);
-    for (std::size_t i = 0; i < samples.size() && age + i < length; ++i)
-        samples[i] *= 1.0f + control.spike * control.spikeTable[age + i];
+    for (std::size_t i = 0; i < levels.size() && age + i < length; ++i)
+        levels[i] += control.spike * control.spikeTable[age + i];
 }
 
-void addToBuses(const VoiceControl& c, std::span<const float> samples, const RenderBuses& buses)
+// The buses and the voice's buffer never overlap.
+void addScaled(float* __restrict bus, const float* __restrict samples, Ramp gain, int frames)
 {
-    float* effectsLeft = buses.effects[0];
-    float* effectsRight = buses.effects[1];
-    const bool whole = c.effectsSend.start == 1.0f && c.effectsSend.slope == 0.0f;
-    if (whole) {
+    for (int i = 0; i < frames; ++i)
+        bus[i] += gain.at(i) * samples[i];
+}
+
+void addToBuses(const VoiceControl& c, std::span<float> samples, const RenderBuses& buses)
+{
+    const auto frames = static_cast<int>(samples.size());
+    const Ramp send = c.effectsSend;
+    const bool whole = send.start == 1.0f && send.slope == 0.0f;
+    if (!whole) {
+        SliceBuffer bypassed;
         for (std::size_t i = 0; i < samples.size(); ++i) {
-            const int frame = static_cast<int>(i);
-            effectsLeft[i] += c.leftGain.at(frame) * samples[i];
-            effectsRight[i] += c.rightGain.at(frame) * samples[i];
+            const float share = send.at(static_cast<int>(i));
+            bypassed[i] = samples[i] * (1.0f - share);
+            samples[i] *= share;
         }
-        return;
+        addScaled(buses.bypass[0], bypassed.data(), c.leftGain, frames);
+        addScaled(buses.bypass[1], bypassed.data(), c.rightGain, frames);
     }
-    float* bypassLeft = buses.bypass[0];
-    float* bypassRight = buses.bypass[1];
-    for (std::size_t i = 0; i < samples.size(); ++i) {
-        const int frame = static_cast<int>(i);
-        const float left = c.leftGain.at(frame) * samples[i];
-        const float right = c.rightGain.at(frame) * samples[i];
-        const float send = c.effectsSend.at(frame);
-        effectsLeft[i] += left * send;
-        effectsRight[i] += right * send;
-        bypassLeft[i] += left * (1.0f - send);
-        bypassRight[i] += right * (1.0f - send);
-    }
+    addScaled(buses.effects[0], samples.data(), c.leftGain, frames);
+    addScaled(buses.effects[1], samples.data(), c.rightGain, frames);
 }
 
 void amplitudeStage(CallContext& call, RenderScratch& scratch, const Sounding& sounding,
@@ -140,10 +164,10 @@ void amplitudeStage(CallContext& call, RenderScratch& scratch, const Sounding& s
         std::array<float, kMaxSliceFrames> levels;
         runAmpEnvelope(r.slot[v].amp, control.ampEnvelope, age, control.holdFrames,
                        std::span(levels).first(frames));
+        if (control.spike != 0.0f)
+            addSpike(r, control, age, std::span(levels).first(frames));
         for (std::size_t i = 0; i < frames; ++i)
             samples[i] *= levels[i];
-        if (control.spike != 0.0f)
-            addSpike(r, control, age, samples);
         addToBuses(control, samples, buses);
     }
 }

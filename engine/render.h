@@ -14,9 +14,9 @@ struct RenderBuses {
 // Work space of a call, kept out of the stack and allocated once.
 struct RenderScratch {
     PerVoice<VoiceControl> control;
-    PerVoice<std::array<float, kMaxSliceFrames>> voice;
-    PerVoice<std::array<float, kMaxSliceFrames>> split;
-    PerVoice<std::array<float, kMaxSliceFrames>> cutoffFm;
+    PerVoice<SliceBuffer> voice;
+    PerVoice<SliceBuffer> split;
+    PerVoice<SliceBuffer> cutoffFm;
 };
 
 // Adds to buses that the caller has cleared. False when no voice sounded.

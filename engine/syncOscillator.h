@@ -10,29 +10,32 @@
 
 namespace tolm {
 
-// A phase step in 64 bits, kept inside a range in which sums stay exact.
+// A part of a frame's phase step, truncated in 64 bits.
 inline std::int64_t phaseStep(double increment)
 {
-    return static_cast<std::int64_t>(std::clamp(increment, -1e15, 1e15));
+    return static_cast<std::int64_t>(increment);
 }
+
+// Phase steps under FM are formed in 64 bits and wrap. The control stage bounds the FM amount, so
+// that no product leaves that range.
 
 // "1->2 fbk": both oscillators bend the increment of oscillator 2. It may run backwards, but never
 // stands still.
 inline std::int64_t feedbackIncrement(const VoiceControl& c, int frame, float osc1, float osc2)
 {
-    const auto increment = static_cast<double>(c.osc[1].increment);
-    const double bend = static_cast<double>(osc1 * c.fm1.at(frame) + osc2 * c.fm2);
-    const std::int64_t step = phaseStep(increment + bend * increment);
+    const std::uint32_t increment = c.osc[1].increment;
+    const float bend = osc1 * c.fm1.at(frame) + osc2 * c.fm2;
+    const std::int64_t step =
+        increment + static_cast<std::int64_t>(bend * static_cast<float>(increment));
     return step == 0 ? 1 : step;
 }
 
 // "1->2 dual": increment of the second phase.
 inline std::int64_t dualIncrement(const VoiceControl& c, int frame, float osc1, float osc2)
 {
-    const auto increment = static_cast<double>(c.osc[1].increment);
-    const double bend = static_cast<double>(c.fm1.at(frame) * osc1);
-    const double feedback = static_cast<double>(4.0f * c.fm2 * osc2);
-    return phaseStep(increment * (1.0 + bend) + increment * feedback);
+    const std::uint32_t increment = c.osc[1].increment;
+    const float bend = c.fm1.at(frame) * osc1 + 4.0f * c.fm2 * osc2;
+    return increment + static_cast<std::int64_t>(bend * static_cast<float>(increment));
 }
 
 inline bool wraps(std::uint32_t phase, std::int64_t increment)
