@@ -259,6 +259,9 @@ struct Sweep {
 constexpr float kLadderZero = 0.3f;
 constexpr float kStageGain = 1.3677824f;
 constexpr float kLadderInput = 0.35f;
+// At half the sample rate the delay in the feedback turns it positive; its gain there passes 1 at a
+// coefficient of 0.158. The index caps keep it below this value from 44.1 kHz on.
+constexpr float kHighestLadderPole = 0.1472f;
 constexpr float kLadderFeedback = 0.95f;
 
 struct LadderStage {
@@ -285,7 +288,8 @@ struct Ladder {
         std::array<std::int32_t, kMaxSliceFrames> index;
         indices(call, 1.0f, call.tables->ladderCap, index);
         for (std::size_t i = 0; i < call.frames; ++i)
-            call.q[i] = call.tables->ladder[static_cast<std::size_t>(index[i])];
+            call.q[i] =
+                atMost(call.tables->ladder[static_cast<std::size_t>(index[i])], kHighestLadderPole);
         for (std::size_t i = 0; i < call.frames; ++i) {
             call.f[i] = kStageGain / (1.0f + kLadderZero) * (1.0f + call.q[i]);
             call.f2[i] = kLadderFeedback * call.resonance[i];
