@@ -22,10 +22,12 @@ float gainFromDb(double db)
     return static_cast<float>(std::pow(10.0, db / 20.0));
 }
 
+// Without a choice the current program is selected all the same: a plug-in need not apply any
+// before it is told to.
 void chooseProgram(const Plugin& plugin, const std::optional<std::string>& program)
 {
-    if (program)
-        plugin.selectProgram(findByName(plugin.programNames(), *program, "program"));
+    plugin.selectProgram(program ? findByName(plugin.programNames(), *program, "program")
+                                 : plugin.currentProgram());
 }
 
 // A bank replaces all programs before one is chosen; a single program replaces the chosen one.
