@@ -53,7 +53,7 @@ void applySetting(const Plugin& plugin, const std::string& setting)
         throw Failure("--set takes NAME=VALUE, not " + quoted(setting));
     const std::string name(trimmed(std::string_view(setting).substr(0, equals)));
     const std::string text(trimmed(std::string_view(setting).substr(equals + 1)));
-    const std::vector<std::string> names = plugin.parameterNames();
+    const std::vector<std::string> names = settableNames(plugin);
     const int index = findByName(names, name, "parameter");
     const std::optional<float> value = parameterValueFromText(plugin, index, text);
     if (!value)

@@ -4,6 +4,7 @@
 #include "host/parameterText.h"
 
 #include "host/textNumbers.h"
+#include "plugin/paramText.h"
 
 #include <algorithm>
 #include <cctype>
@@ -21,7 +22,7 @@ struct UnitRow {
 };
 constexpr UnitRow kUnits[] = {
     {"khz", "hz", 1000.0},
-    {"s",   "ms", 1000.0},
+    {"s", "ms", 1000.0},
     {"sec", "ms", 1000.0},
 };
 
@@ -130,13 +131,37 @@ std::optional<float> nearestValue(const Scan& scan, const Quantity& wanted)
     return std::nullopt;
 }
 
+constexpr std::int32_t kTolmId = fourCharacters("QXJT");
+
+bool isTolm(const Plugin& plugin)
+{
+    return plugin.uniqueId() == kTolmId;
+}
+
+std::optional<float> tolmValue(const Plugin& plugin, int id, std::string_view text)
+{
+    const auto valueOf = [&](int other) { return plugin.parameter(other); };
+    return parameterValue(id, text, textContext(valueOf));
+}
+
 } // namespace
+
+std::vector<std::string> settableNames(const Plugin& plugin)
+{
+    std::vector<std::string> names = plugin.parameterNames();
+    if (isTolm(plugin))
+        for (int id = static_cast<int>(names.size()); id < kStoredParameterCount; ++id)
+            names.push_back(kCatalogue[id].name);
+    return names;
+}
 
 std::optional<float> parameterValueFromText(const Plugin& plugin, int index, std::string_view text)
 {
     const std::optional<double> number = decimalNumber(trimmed(text));
     if (number && *number >= 0.0 && *number <= 1.0)
         return static_cast<float>(*number);
+    if (isTolm(plugin))
+        return tolmValue(plugin, index, text);
     const std::string wanted = canonical(text);
     if (wanted.empty())
         return std::nullopt;
