@@ -174,6 +174,21 @@ void renderUnmodulated(const OscillatorControl& o, std::uint32_t& phase,
     phase += o.increment * static_cast<std::uint32_t>(frames);
 }
 
+// A synced wavetable is still fat; the naive saws and pulses of sync are not.
+void addSyncedSides(const OscillatorControl& o, std::array<std::uint32_t, kFatVoices>& phases,
+                    std::span<float> out)
+{
+    const int frames = static_cast<int>(out.size());
+    IntBuffer sides;
+    sumSides(BlendedTables{o.table, o.partner, o.blend}, phases, o, 0, frames, sides.data());
+    const auto mainWeight = static_cast<float>(o.mainWeight) / 1024.0f;
+    const auto sideWeight = static_cast<float>(o.sideWeight) / 1024.0f;
+    for (std::size_t i = 0; i < out.size(); ++i)
+        out[i] = out[i] * mainWeight + static_cast<float>(sides[i]) * sideWeight;
+    for (std::size_t side = 0; side < kFatVoices; ++side)
+        phases[side] += o.sideIncrement[side] * static_cast<std::uint32_t>(frames);
+}
+
 // ---- Oscillator 2 with FM or as one-shot: frame by frame -------------------------------------
 
 enum class Fm { none, feedback, dual };
@@ -402,6 +417,8 @@ void renderOscillators(EngineRecord& r, std::size_t voice, const VoiceControl& c
                                          osc1Span);
     if (r.oscSync) {
         renderSyncedOscillator2(r.fmMode, control, slot, syncPhase, osc1Span, osc2Span);
+        if (control.osc[1].fat && control.osc[1].shape == OscillatorShape::wavetable)
+            addSyncedSides(control.osc[1], slot.fatPhase[1], osc2Span);
     } else {
         slot.syncRingValid = false;
         renderOscillator2(r, slot, control, osc1Span, osc2Span);
