@@ -15,7 +15,7 @@ struct Stereo {
     std::vector<float> right;
 };
 
-class EngineRig final : public EngineOwner {
+class EngineRig : public EngineOwner {
 public:
     // Program "Init Patch" at the given rate. Its velocity row is taken out, so that a voice's gain
     // is known.
