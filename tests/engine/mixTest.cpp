@@ -1,0 +1,243 @@
+// From voices to buses and output: gains, stereo field, stacks, effects send, master gain.
+
+#include "tests/engine/spectrum.h"
+#include "tests/engine/toneRig.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+namespace tolm {
+namespace {
+
+constexpr double kRate = 44100.0;
+constexpr int kConst = 7; // matrix source
+
+void setStack(ToneRig& rig, int voices)
+{
+    rig.set(kVoices, static_cast<float>(18 * (voices - 1) + 1) / 128.0f);
+}
+void holdStack(ToneRig& rig, int voices, int key)
+{
+    rig.on(key);
+    for (int v = 0; v < voices; ++v)
+        rig.slot(static_cast<std::size_t>(v)).amp = {1.0f, EnvelopeStage::sustain};
+}
+
+// Loudness of a setting in reference to the plain one.
+double gainOf(const std::function<void(ToneRig&)>& change)
+{
+    ToneRig plain;
+    ToneRig changed;
+    change(changed);
+    plain.hold(60).osc1Phase = 0;
+    changed.hold(60).osc1Phase = 0;
+    return rms(changed.render(2048).left) / rms(plain.render(2048).left);
+}
+
+TEST(VoiceMix, volumeAndLevelRowsFollowTheirFormulas)
+{
+    const auto rows = [](std::vector<std::pair<int, double>> list) {
+        return gainOf([&](ToneRig& rig) {
+            int row = 1;
+            for (const auto& [destination, amount] : list)
+                rig.setRow(row++, kConst, destination, amount);
+        });
+    };
+    const int volume = 3;
+    const int level = 88;
+    EXPECT_NEAR(rows({{volume, 0.5}}), 2.25, 1e-3);
+    EXPECT_NEAR(rows({{volume, -0.5}}), 0.25, 1e-3);
+    EXPECT_NEAR(rows({{volume, -1.0}, {volume, -1.0}}), 0.0, 1e-9);
+    EXPECT_NEAR(db(rows({{level, 0.2}})), 18.0, 0.01); // held at 10^0.9
+    EXPECT_NEAR(db(rows({{level, 0.2}, {level, 0.9}})), 36.0, 0.01);
+    EXPECT_NEAR(db(rows({{level, -0.4}})), -40.0, 0.01);
+}
+
+TEST(VoiceMix, panIsALinearBalance)
+{
+    for (const double pan : {-1.0, -0.4, 0.0, 0.25, 1.0}) {
+        ToneRig rig;
+        rig.setRow(1, kConst, 4, pan);
+        rig.hold(60);
+        const Stereo out = rig.render(1024);
+        const double louder = std::max(peak(out.left), peak(out.right));
+        EXPECT_NEAR(peak(out.left) / louder, std::min(1.0, 1.0 - pan), 1e-3) << pan;
+        EXPECT_NEAR(peak(out.right) / louder, std::min(1.0, 1.0 + pan), 1e-3) << pan;
+    }
+}
+
+TEST(VoiceMix, stacksSpreadByTheirSizeAndSwitchesPickTheirVoices)
+{
+    struct Field {
+        int voices;
+        float spread;
+        std::vector<double> pan;
+    };
+    for (const Field& f :
+         {Field{1, 1.0f, {0.0}}, Field{2, 1.0f, {1.0, -1.0}}, Field{3, 1.0f, {-1.0, 0.0, 1.0}},
+          Field{4, 1.0f, {0.5, 1.0, -0.5, -1.0}}, Field{5, 1.0f, {-1.0, -1.0, 0.0, 1.0, 1.0}},
+          Field{5, 0.25f, {-0.5, -0.25, 0.0, 0.25, 0.5}}})
+        for (int k = 0; k < f.voices; ++k) {
+            ToneRig rig;
+            setStack(rig, f.voices);
+            rig.set(kVoiceSpread, f.spread);
+            rig.set(kVoice1 + k, 1.0f); // the others fall silent
+            holdStack(rig, f.voices, 60);
+            ASSERT_EQ(rig.sounding(), f.voices);
+            const Stereo out = rig.render(1024);
+            const double pan = f.pan[static_cast<std::size_t>(k)];
+            const double louder = std::max(peak(out.left), peak(out.right));
+            EXPECT_GT(louder, 0.1);
+            EXPECT_LT(louder, 0.35); // one voice, not several
+            EXPECT_NEAR(peak(out.left) / louder, std::min(1.0, 1.0 - pan), 1e-3)
+                << f.voices << ' ' << k;
+            EXPECT_NEAR(peak(out.right) / louder, std::min(1.0, 1.0 + pan), 1e-3)
+                << f.voices << ' ' << k;
+        }
+}
+
+TEST(VoiceMix, aSelectionOfNoVoiceIsSilentOnlyWhileItIsInForce)
+{
+    ToneRig rig;
+    rig.set(kVoice1 + 3, 1.0f);
+    rig.hold(60);
+    EXPECT_EQ(peak(rig.render(512).left), 0.0);
+    rig.set(kVoice1 + 3, 0.0f);
+    rig.render(64);
+    EXPECT_GT(peak(rig.render(512).left), 0.1);
+}
+
+TEST(VoiceMix, stacksDetuneInStepsAroundTheirMiddle)
+{
+    for (const int voices : {2, 3, 8}) {
+        ToneRig rig;
+        setStack(rig, voices);
+        rig.set(kVoiceDetune, 20.5f / 128.0f); // 10 units
+        rig.setRow(1, kConst, 7, 0.1);         // and 6 more
+        holdStack(rig, voices, 60);
+        for (int k = 0; k < voices; ++k)
+            rig.slot(static_cast<std::size_t>(k)).osc1Phase = 0;
+        rig.render(1, 1);
+        for (int k = 0; k < voices; ++k)
+            EXPECT_EQ(rig.slot(static_cast<std::size_t>(k)).osc1Phase,
+                      stepOfPitch(pitchOfKey(60) + (k - voices / 2) * 16, kRate))
+                << voices << ' ' << k;
+    }
+}
+
+TEST(VoiceMix, gainsRampOverOneCallButNotFromANotesStart)
+{
+    ToneRig still;
+    ToneRig moving;
+    for (ToneRig* rig : {&still, &moving})
+        rig->hold(60).osc1Phase = 0;
+    // The first call has its gain from the first frame.
+    const std::vector<double> start = moving.mix(64);
+    EXPECT_NEAR(start[1], still.mix(64)[1], 1e-6);
+    EXPECT_GT(std::abs(start[1]), 1e-3);
+    moving.setRow(1, kConst, 4, 1.0); // hard right
+    const Stereo reference = still.render(192, 192);
+    const Stereo out = moving.render(192, 192);
+    for (std::size_t i = 0; i < out.left.size(); ++i) {
+        const float gain = std::max(0.0f, 1.0f - static_cast<float>(i) / 64.0f);
+        ASSERT_NEAR(out.left[i], gain * reference.left[i], 1e-6f) << i;
+        ASSERT_EQ(out.right[i], reference.right[i]) << i;
+    }
+}
+
+TEST(VoiceMix, effectsSendSharesTheSoundBetweenTheBuses)
+{
+    for (const double amount : {0.0, -0.25, -1.0, 1.0}) {
+        ToneRig rig;
+        ToneRig whole;
+        rig.setRow(1, kConst, 86, amount);
+        for (ToneRig* r : {&rig, &whole})
+            r->hold(60).osc1Phase = 0;
+        std::vector<float> bus[4];
+        for (auto& b : bus)
+            b.assign(64, 9.0f);
+        float* effects[] = {bus[0].data(), bus[1].data()};
+        float* bypass[] = {bus[2].data(), bus[3].data()};
+        rig.engine.startBlock(64);
+        EXPECT_TRUE(rig.engine.renderVoices(64, effects, bypass, true));
+        const Stereo reference = whole.render(64, 64);
+        const float share = static_cast<float>(std::clamp(1.0 + amount, 0.0, 1.0));
+        for (std::size_t i = 0; i < 64; ++i) {
+            ASSERT_NEAR(bus[0][i], share * reference.left[i], 1e-6f) << amount;
+            ASSERT_NEAR(bus[3][i], (1.0f - share) * reference.right[i], 1e-6f) << amount;
+        }
+    }
+}
+
+TEST(VoiceMix, aSilentCallClearsTheBusesAndCountsItsFrames)
+{
+    ToneRig rig;
+    std::vector<float> bus[4];
+    for (auto& b : bus)
+        b.assign(50, 1.0f);
+    float* effects[] = {bus[0].data(), bus[1].data()};
+    float* bypass[] = {bus[2].data(), bus[3].data()};
+    rig.engine.startBlock(100);
+    EXPECT_FALSE(rig.engine.renderVoices(50, effects, bypass, true));
+    for (const auto& b : bus)
+        EXPECT_EQ(peak(b), 0.0);
+    EXPECT_EQ(rig.record().sampleClock, 50);
+}
+
+// ---- Output stage ---------------------------------------------------------------------------
+
+// Runs ones through the output stage.
+Stereo throughOutput(ToneRig& rig, int frames)
+{
+    const auto n = static_cast<std::size_t>(frames);
+    Stereo out{std::vector<float>(n, 1.0f), std::vector<float>(n, -1.0f)};
+    float* channels[] = {out.left.data(), out.right.data()};
+    rig.engine.applyOutputStage(frames, channels);
+    return out;
+}
+
+TEST(OutputStage, gainRampsOverOneBlock)
+{
+    ToneRig rig;
+    EXPECT_EQ(throughOutput(rig, 100).left, std::vector<float>(100, 1.0f));
+    rig.set(kVolume, 1.0f); // 4
+    const Stereo ramp = throughOutput(rig, 300);
+    for (std::size_t i = 0; i < 300; ++i) {
+        ASSERT_NEAR(ramp.left[i], 1.0f + 3.0f * static_cast<float>(i) / 300.0f, 1e-5f);
+        ASSERT_EQ(ramp.right[i], -ramp.left[i]);
+    }
+    EXPECT_EQ(throughOutput(rig, 64).left, std::vector<float>(64, 4.0f));
+    // Less than 1e-9 per frame is a step at the next block.
+    rig.record().outputGainTarget = std::nextafter(4.0f, 5.0f);
+    EXPECT_EQ(throughOutput(rig, 4096).left, std::vector<float>(4096, 4.0f));
+    EXPECT_EQ(throughOutput(rig, 1).left[0], std::nextafter(4.0f, 5.0f));
+    // Without a previous gain it starts at the target.
+    rig.record().outputGain = -1.0f;
+    rig.set(kVolume, 0.25f);
+    EXPECT_EQ(throughOutput(rig, 64).left, std::vector<float>(64, 0.25f));
+}
+
+TEST(OutputStage, dcBlockerRunsWithSyncOnlyAtEightHertz)
+{
+    for (const double rate : {44100.0, 96000.0}) {
+        ToneRig rig(rate);
+        rig.set(kOscSync, 1.0f);
+        const double w = std::tan(kPi * 8.0 / rate);
+        double y = 0.0;
+        double x = 0.0;
+        for (int block = 0; block < 4; ++block) {
+            const Stereo out = throughOutput(rig, 500);
+            for (const float sample : out.left) {
+                y = (1.0 - x - (w - 1.0) * y) / (w + 1.0);
+                x = 1.0;
+                ASSERT_NEAR(static_cast<double>(sample), y, 1e-4);
+            }
+        }
+        rig.set(kOscSync, 0.0f);
+        EXPECT_EQ(throughOutput(rig, 8).left, std::vector<float>(8, 1.0f));
+    }
+}
+
+} // namespace
+} // namespace tolm
