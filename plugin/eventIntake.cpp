@@ -75,6 +75,19 @@ void takeArpNoteOn(SynthCore& core, const MidiMessage& note)
         append(core, note, kAllStackedVoices);
 }
 
+// Voices that `key` is still to start in this block will belong to `heir`.
+void moveQueuedNotes(EventQueue& queue, int key, int heir)
+{
+    for (int i = queue.count(); i-- > 0;) {
+        QueuedEvent& event = queue[i];
+        if ((event.data1 & 0x7F) != key)
+            continue;
+        if (event.status == kNoteOff || (event.data2 & 0x7F) == 0)
+            return;
+        event.data1 = static_cast<std::uint8_t>(heir);
+    }
+}
+
 // The voices of a released lowest key move to the next held one, if there is one.
 bool handOverVoices(SynthCore& core, int key, int lowestBefore)
 {
@@ -85,6 +98,7 @@ bool handOverVoices(SynthCore& core, int key, int lowestBefore)
     if (heir < 0)
         return false;
     core.engine().retuneVoices(heir, kEvenStackedVoices);
+    moveQueuedNotes(core.queue(), key, heir);
     return true;
 }
 

@@ -18,6 +18,7 @@ public:
     void clear() { count_ = 0; }
     int count() const { return count_; }
     const QueuedEvent& operator[](int i) const { return events_[static_cast<std::size_t>(i)]; }
+    QueuedEvent& operator[](int i) { return events_[static_cast<std::size_t>(i)]; }
 
 private:
     std::array<QueuedEvent, 256> events_{};
