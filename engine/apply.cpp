@@ -166,11 +166,7 @@ void applyArpOn(ApplyContext& c, int, float v)
 
 void applyArpMode(ApplyContext& c, int, float v)
 {
-    const auto mode = static_cast<ArpMode>(indexFromValue(v, kArpModeOffset, 6));
-    // The second note of the Duophonic mode is a cursor in the others.
-    if (c.r.arp.mode == ArpMode::duophonic && mode != ArpMode::duophonic)
-        endSecondArpNote(c.r);
-    c.r.arp.mode = mode;
+    setArpMode(c.r, static_cast<ArpMode>(indexFromValue(v, kArpModeOffset, 6)));
 }
 
 // Sounding voices keep the type that they latched, but no type inherits another's memory.

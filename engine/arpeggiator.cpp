@@ -17,6 +17,7 @@ constexpr int kSwungStep = 2; // of each group of four
 constexpr std::uint8_t kReleaseVelocity = 64;
 constexpr double kTickScale = 0.0146484375; // 60 seconds over 4096
 constexpr double kArpRateSteps = 20.01;
+constexpr auto kOddMask = static_cast<std::uint32_t>(kOddStackedVoices);
 
 // A step value as a number: 0 rest, 1..127 note (1 is the base key), 128 and above nothing or tie.
 int stepNumber(float value)
@@ -255,16 +256,36 @@ void runPattern(EngineRecord& r, EngineOwner& owner, double sampleRateHz, int fr
     }
 }
 
-void endSecondArpNote(EngineRecord& r)
+void setArpMode(EngineRecord& r, ArpMode mode)
 {
-    release(r, r.arp.secondNote);
-    r.arp.secondNote = -1;
+    ArpeggiatorState& arp = r.arp;
+    const ArpMode left = arp.mode;
+    arp.mode = mode;
+    if (left == mode || !arp.on)
+        return;
+    // The second note of the Duophonic mode is a cursor in the others.
+    if (left == ArpMode::duophonic)
+        release(r, arp.secondNote);
+    if (left == ArpMode::duophonic || left == ArpMode::voice)
+        arp.secondNote = -1;
+    // Mode Voice 2/4/6/8 splits the stacks: the pattern ends its notes on the odd voices only, the
+    // keys take the even ones along. What another mode started on whole stacks would never end
+    // whole, so the pattern's note ends here and the odd voices change hands silent.
+    if (left == ArpMode::voice || mode == ArpMode::voice) {
+        if (left != ArpMode::voice)
+            release(r, arp.soundingNote);
+        releaseStacked(r, kOddMask);
+        arp.soundingNote = -1;
+    }
 }
 
 void endArpNotes(EngineRecord& r)
 {
     ArpeggiatorState& arp = r.arp;
-    release(r, arp.soundingNote);
+    if (arp.mode == ArpMode::voice)
+        releaseStacked(r, kOddMask); // the even voices belong to the keys
+    else
+        release(r, arp.soundingNote);
     arp.soundingNote = -1;
     if (arp.mode == ArpMode::duophonic)
         release(r, arp.secondNote);

@@ -19,7 +19,7 @@ void runPattern(EngineRecord& r, EngineOwner& owner, double sampleRateHz, int fr
 
 // Releases what the arpeggiator has started and forgets its keys.
 void endArpNotes(EngineRecord& r);
-// Releases the second note of the Duophonic mode.
-void endSecondArpNote(EngineRecord& r);
+// Changes the mode, and ends what the new mode would not end by itself.
+void setArpMode(EngineRecord& r, ArpMode mode);
 
 } // namespace tolm

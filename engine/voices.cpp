@@ -57,13 +57,6 @@ void releaseVoice(EngineRecord& r, std::size_t v)
     r.slot[v].mod.stage = EnvelopeStage::release;
 }
 
-void releaseMasked(EngineRecord& r, std::uint32_t mask)
-{
-    for (std::size_t v = 0; v < static_cast<std::size_t>(r.polyphony); ++v)
-        if (r.voiceActive[v] != 0 && inMask(mask, r.voiceUnisonIndex[v]))
-            releaseVoice(r, v);
-}
-
 void setEveryPitch(EngineRecord& r, int key)
 {
     for (std::size_t v = 0; v < static_cast<std::size_t>(r.polyphony); ++v)
@@ -121,6 +114,14 @@ void playPoly(EngineRecord& r, int key, int velocity, std::uint32_t mask)
     startStack(r, key, velocity, mask);
 }
 
+void releaseSoundingAt(EngineRecord& r, int key, std::uint32_t mask)
+{
+    for (std::size_t v = 0; v < static_cast<std::size_t>(r.polyphony); ++v)
+        if (r.voiceActive[v] != 0 && r.voiceNote[v].pitch == keyPitch(key) &&
+            inMask(mask, r.voiceUnisonIndex[v]))
+            releaseVoice(r, v);
+}
+
 // Falls back to the highest held key; without one the stack is released.
 void releaseMono(EngineRecord& r, int key, std::uint32_t mask)
 {
@@ -128,11 +129,14 @@ void releaseMono(EngineRecord& r, int key, std::uint32_t mask)
     if (held == r.monoHeld.rend()) {
         // Also for a key that is not the sounding one: a note that began in another mode must not
         // outlive the last key.
-        releaseMasked(r, mask);
+        releaseStacked(r, mask);
         return;
     }
-    if (key != r.lastNote)
+    if (key != r.lastNote) {
+        // Nor may one outlive its own key when the arpeggiator has moved `lastNote` since.
+        releaseSoundingAt(r, key, mask);
         return;
+    }
     const int next = static_cast<int>(std::distance(held, r.monoHeld.rend())) - 1;
     r.glideOffset = r.voiceNote[0].pitch + r.glideOffset - keyPitch(next);
     setEveryPitch(r, next);
@@ -201,6 +205,13 @@ void retune(EngineRecord& r, int key, std::uint32_t mask)
             r.voiceNote[v].note = static_cast<std::uint8_t>(key);
         }
     }
+}
+
+void releaseStacked(EngineRecord& r, std::uint32_t mask)
+{
+    for (std::size_t v = 0; v < static_cast<std::size_t>(r.polyphony); ++v)
+        if (r.voiceActive[v] != 0 && inMask(mask, r.voiceUnisonIndex[v]))
+            releaseVoice(r, v);
 }
 
 void releaseAllVoices(EngineRecord& r)

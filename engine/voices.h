@@ -14,6 +14,8 @@ void releaseNote(EngineRecord& r, int key, std::uint32_t mask);
 // Moves every voice of the mask to `key`, sounding or not; no envelope is touched.
 void retune(EngineRecord& r, int key, std::uint32_t mask);
 
+// Releases the active voices of a stack position that the mask names.
+void releaseStacked(EngineRecord& r, std::uint32_t mask);
 // Releases every active voice and forgets the arpeggiator's keys.
 void releaseAllVoices(EngineRecord& r);
 // Ends a voice at once. Its next note starts from a level of 0.
