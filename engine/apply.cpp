@@ -251,7 +251,7 @@ constexpr ApplyRow kRows[] = {
     {kArpRate, 1,
      [](ApplyContext& c, int, float v) {
          c.r.arp.rate = unit(v);
-         c.r.arp.rateHz = curve(static_cast<double>(unit(v)), 0.1, 100.0);
+         c.r.arp.rateHz = 0.1 * std::pow(1000.0, static_cast<double>(unit(v)));
      }},
     {kArpLength, 1,
      [](ApplyContext& c, int, float v) {
