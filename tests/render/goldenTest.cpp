@@ -1,0 +1,251 @@
+// The sound of today against the sound that was stored: a change that nobody meant shows.
+//
+// Of every case golden.txt keeps samples at fixed frames (they show phase and shape) and the levels
+// of consecutive stretches (they show everything between). To store today's sound:
+//     TOLM_STORE_GOLDEN=1 build/release/tests/render/render_tests --gtest_filter='Golden.*'
+
+#include "host/Song.h"
+#include "plugin/catalogue.h"
+#include "tests/render/PluginRig.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <sstream>
+
+namespace tolm::test {
+
+namespace {
+
+constexpr double kRateHz = 44100.0;
+constexpr int kFrames = 66150;
+constexpr int kProbes = 96;
+constexpr int kStretches = 12;
+// Kernels may round differently from one processor's path to the next; a wrong coefficient, table
+// or order of events is far above this.
+constexpr double kSmallestSnrDb = 60.0;
+constexpr double kLargestLevelDb = 0.02;
+
+const char* const kFile = TOLM_SOURCE_DIR "/tests/render/golden.txt";
+
+struct Setting {
+    int id;
+    float value;
+};
+
+struct Case {
+    const char* name; // in the file
+    const char* program;
+    std::vector<Setting> settings;
+    int key = 48;
+};
+
+// A program per category, and the kinds of effect, filter and oscillator that these leave out.
+const std::vector<Case> kCases = {
+    {"arpeggiated", "Clockwork Minor", {}},
+    {"bass", "Rubber Acid", {}, 33},
+    {"chords", "Minor Seven Stab", {}},
+    {"drums", "Box Wood", {}, 60},
+    {"keyboards", "Amber Tines", {}},
+    {"leads", "Torn Sync", {}, 60},
+    {"mallets", "Rosewood Bars", {}, 60},
+    {"pads", "Bowed Aurora", {}},
+    {"plucked", "Comb Strings", {}},
+    {"soundEffects", "Turbine Gate", {}},
+    {"synths", "Comp Engine", {}},
+    {"textures", "Slow Machinery", {}},
+    {"wind", "Willow Flute", {}, 60},
+    {"fm", "Init Patch", {{kOsc1Shape, 0.7f}, {kOsc2Shape, 0.7f}, {kOscFm, 0.2f}}},
+    {"multiTap", "Init Patch", {{kDelayOn, 1.0f}, {kDelayType, 0.8f}, {kAmpSustain, 0.2f}}},
+    {"cathedral", "Init Patch", {{kReverbOn, 1.0f}, {kReverbType, 1.0f}, {kAmpSustain, 0.2f}}},
+    {"toxic", "Init Patch", {{kDistOn, 1.0f}, {kDistType, 0.3f}}},
+    {"equalisers", "Init Patch", {{kEq1On, 1.0f}, {kEq2On, 1.0f}, {kEq2Gain, 0.9f}}},
+    {"eightStages", "Init Patch", {{kPhaserOn, 1.0f}, {kPhaserType, 0.4f}}},
+};
+
+struct SongCase {
+    const char* name;
+    const char* song;  // in data/demo
+    const char* track; // empty: all of them
+    const char* program;
+};
+constexpr SongCase kSongs[] = {
+    {"harbour", "harbour", "", "Amber Tines"},
+    {"tramBass", "nightTram", "Bass", "Round Anchor"},
+    {"tramLead", "nightTram", "Lead", "Silver Thread"},
+};
+
+// Numbers of one case in the order of the file: probes, then levels.
+using Numbers = std::vector<double>;
+using Store = std::map<std::string, Numbers>;
+
+Numbers measure(const Stereo& sound)
+{
+    Numbers numbers;
+    const std::size_t frames = sound.frames();
+    const std::size_t stride = frames / (kProbes + 1) / 2 * 2 + 1;
+    for (std::size_t i = 1; i <= kProbes; ++i) {
+        const std::vector<float>& channel = i % 2 == 0 ? sound.left : sound.right;
+        numbers.push_back(static_cast<double>(channel[std::min(i * stride, frames - 1)]));
+    }
+    for (std::size_t i = 0; i < kStretches; ++i) {
+        double sum = 0.0;
+        for (std::size_t n = i * frames / kStretches; n < (i + 1) * frames / kStretches; ++n)
+            sum += std::pow(static_cast<double>(sound.left[n]), 2) +
+                   std::pow(static_cast<double>(sound.right[n]), 2);
+        numbers.push_back(std::sqrt(sum / static_cast<double>(frames) * kStretches / 2.0));
+    }
+    return numbers;
+}
+
+Stereo play(const Case& c)
+{
+    PluginRig rig;
+    rig.tempo = 120.0;
+    rig.selectProgram(c.program);
+    for (const Setting& setting : c.settings)
+        rig.set(setting.id, setting.value);
+    return rig.render(kFrames, {noteOn(0, c.key),
+                                noteOn(5000, c.key + 7, 80),
+                                {20000, {0xB0, 1, 70}},
+                                noteOff(40000, c.key),
+                                noteOff(44000, c.key + 7)});
+}
+
+Song loadSong(const char* name)
+{
+    const std::string midi = std::string(TOLM_BUILD_DIR) + "/golden-" + name + ".mid";
+    const std::string command =
+        std::string(TOLM_SCORE " " TOLM_SOURCE_DIR "/data/demo/") + name + ".score -o " + midi;
+    EXPECT_EQ(std::system(command.c_str()), 0) << command;
+    Song song = readMidiFile(midi);
+    std::filesystem::remove(midi);
+    return song;
+}
+
+// The song's first seconds.
+Stereo play(const SongCase& c)
+{
+    const Song song = loadSong(c.song);
+    std::vector<std::size_t> tracks;
+    for (std::size_t i = 0; i < song.tracks.size(); ++i)
+        if (*c.track == '\0' || song.tracks[i].name == c.track)
+            tracks.push_back(i);
+    EXPECT_FALSE(tracks.empty()) << c.track;
+    std::vector<Message> messages;
+    for (const FrameEvent& event : eventsOf(song, tracks, kRateHz, false))
+        messages.push_back({static_cast<int>(event.frame), event.bytes});
+    PluginRig rig;
+    rig.tempo = song.tempo.bpmAt(0.0);
+    rig.selectProgram(c.program);
+    return rig.render(4 * kFrames, messages);
+}
+
+Store readStore()
+{
+    Store store;
+    std::ifstream stream(kFile);
+    std::string name;
+    for (std::string line; std::getline(stream, line);) {
+        if (line.empty() || line[0] == '#')
+            continue;
+        if (line[0] != ' ') {
+            name = line;
+            continue;
+        }
+        std::istringstream numbers(line);
+        for (double number = 0.0; numbers >> number;)
+            store[name].push_back(number);
+    }
+    return store;
+}
+
+void writeStore(const std::vector<std::pair<std::string, Numbers>>& cases)
+{
+    std::ofstream stream(kFile);
+    stream << "# Stored sound: samples at fixed frames, then levels. goldenTest.cpp writes it.\n";
+    for (const auto& [name, numbers] : cases) {
+        stream << name;
+        for (std::size_t i = 0; i < numbers.size(); ++i) {
+            char text[32];
+            std::snprintf(text, sizeof text, "%s%.7g", i % 8 == 0 ? "\n  " : " ", numbers[i]);
+            stream << text;
+        }
+        stream << '\n';
+    }
+}
+
+struct Difference {
+    double snrDb = 0.0;   // of the probes
+    double levelDb = 0.0; // largest change of a stretch
+};
+
+Difference differenceOf(const Numbers& stored, const Numbers& now)
+{
+    double level = 0.0;
+    double error = 1e-30;
+    for (std::size_t i = 0; i < kProbes; ++i) {
+        level += stored[i] * stored[i];
+        error += (stored[i] - now[i]) * (stored[i] - now[i]);
+    }
+    Difference difference{10.0 * std::log10(level / error), 0.0};
+    for (std::size_t i = kProbes; i < stored.size(); ++i) {
+        // Silence has no level in dB; -100 dB of full scale is silence enough.
+        const double change = 20.0 * std::log10((now[i] + 1e-5) / (stored[i] + 1e-5));
+        difference.levelDb = std::max(difference.levelDb, std::abs(change));
+    }
+    return difference;
+}
+
+std::vector<std::pair<std::string, Numbers>> measureAll()
+{
+    std::vector<std::pair<std::string, Numbers>> all;
+    for (const Case& c : kCases)
+        all.emplace_back(c.name, measure(play(c)));
+    for (const SongCase& c : kSongs)
+        all.emplace_back(c.name, measure(play(c)));
+    return all;
+}
+
+} // namespace
+
+TEST(Golden, everyCaseSoundsAsStored)
+{
+    const auto all = measureAll();
+    if (std::getenv("TOLM_STORE_GOLDEN") != nullptr) {
+        writeStore(all);
+        GTEST_SKIP() << "stored " << kFile;
+    }
+    const Store store = readStore();
+    EXPECT_EQ(store.size(), all.size());
+    for (const auto& [name, now] : all) {
+        SCOPED_TRACE(name);
+        const auto stored = store.find(name);
+        ASSERT_NE(stored, store.end()) << "nothing is stored for it";
+        ASSERT_EQ(stored->second.size(), now.size());
+        const Difference difference = differenceOf(stored->second, now);
+        EXPECT_GT(difference.snrDb, kSmallestSnrDb);
+        EXPECT_LT(difference.levelDb, kLargestLevelDb);
+    }
+}
+
+// What the comparison is there for: small unmeant changes fail it.
+TEST(Golden, aSmallChangeFailsTheComparison)
+{
+    for (const Setting change : {Setting{kFilterCutoff, 0.01f}, Setting{kOsc2Fine, 0.02f},
+                                 Setting{kFilterResonance, 0.02f}, Setting{kAmpRelease, 0.02f}}) {
+        Case changed = kCases[4];
+        PluginRig rig;
+        rig.selectProgram(changed.program);
+        changed.settings = {{change.id, rig.get(change.id) + change.value}};
+        const Difference difference =
+            differenceOf(measure(play(kCases[4])), measure(play(changed)));
+        EXPECT_LT(difference.snrDb, kSmallestSnrDb) << change.id;
+    }
+}
+
+} // namespace tolm::test
