@@ -37,7 +37,7 @@ const std::vector<FolderRule> kRules = {
     {"patch/", true, {}},
     {"engine/", true, {"fx/", "patch/programStore.h"}},
     {"plugin/", true, {"vst2/", "engine/", "fx/", "patch/"}},
-    {"host/", false, {"vst2/abi.h"}},
+    {"host/", true, {"vst2/abi.h", "plugin/paramText.h"}},
     {"tools/", true, {"patch/", "host/keyName.h"}},
 };
 
