@@ -17,6 +17,7 @@
 #include <array>
 #include <atomic>
 #include <memory>
+#include <mutex>
 #include <span>
 
 namespace tolm {
@@ -34,6 +35,7 @@ public:
     SynthCore(SettingsStore& settings, TempoSource& tempo);
 
     Tolm& engine() { return engine_; }
+    const Tolm& engine() const { return engine_; }
     MidiMap& midiMap() { return midiMap_; }
     ProcessingGuard& guard() { return guard_; }
     EventQueue& queue() { return queue_; }
@@ -55,6 +57,11 @@ public:
 
     int currentProgram() const { return currentProgram_.load(std::memory_order_relaxed); }
     int currentBank() const { return currentBank_.load(std::memory_order_relaxed); }
+    // The bank 0..2 that chunks and the browser show, until the next program load.
+    void setCurrentBank(int bank) { currentBank_.store(bank, std::memory_order_relaxed); }
+    // Held by whoever reads or writes names, descriptions and whole programs: hosts save from
+    // threads of their own. Never taken on the audio thread, and never by one who holds the guard.
+    std::mutex& textLock() const { return textLock_; }
     // The caller holds the guard. Other programs than 0..383 are ignored.
     void loadProgram(int program);
     // Without loading it: for the plug-in's end.
@@ -101,6 +108,7 @@ private:
 
     Tolm engine_;
     ProcessingGuard guard_;
+    mutable std::mutex textLock_;
     MidiMap midiMap_;
     TempoSource& tempoSource_;
     EventQueue queue_;

@@ -2,7 +2,6 @@
 
 #include "plugin/blockDriver.h"
 #include "plugin/catalogue.h"
-#include "plugin/chunkLoad.h"
 #include "plugin/eventIntake.h"
 #include "plugin/floatMode.h"
 #include "plugin/paramText.h"
@@ -10,6 +9,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <mutex>
 #include <string_view>
 #include <utility>
 
@@ -61,7 +61,9 @@ VstSynth::VstSynth(vst2::HostCallback host, std::unique_ptr<SettingsStore> setti
     : AudioEffectX(host, kProgramCount, kHostParameterCount),
       settings_(std::move(settings)),
       messages_(std::move(messages)),
-      core_(*settings_, *this)
+      core_(*settings_, *this),
+      notices_(core_, *messages_),
+      presets_(core_, notices_)
 {
     if (!hasHost())
         return;
@@ -121,21 +123,15 @@ void VstSynth::setBlockSize(std::int32_t frames)
 
 std::int32_t VstSynth::getChunk(void** data, bool)
 {
-    if (chunk_ == nullptr)
-        chunk_ = std::make_unique<ChunkBuffer>();
-    writeChunk(core_.engine().programBank(), chunkState(core_), *chunk_);
-    *data = chunk_->data();
+    // Hosts take the bytes as their own to read; the interface has no word for that.
+    *data = const_cast<std::uint8_t*>(presets_.saveChunk().data());
     return static_cast<std::int32_t>(kChunkBytes);
 }
 
 std::int32_t VstSynth::setChunk(const void* data, std::int32_t bytes, bool singleProgram)
 {
-    const std::span chunk(static_cast<const std::uint8_t*>(data), static_cast<std::size_t>(bytes));
-    const ChunkResult result = loadChunk(core_, chunk, singleProgram, false);
-    if (const char* text = chunkMessageText(result.message))
-        messages_->show(kChunkMessageTitle, text);
-    if (EditorHooks* editor = core_.editor(); editor != nullptr && result.loaded)
-        editor->everythingChanged();
+    presets_.loadChunk({static_cast<const std::uint8_t*>(data), static_cast<std::size_t>(bytes)},
+                       singleProgram);
     return static_cast<std::int32_t>(kChunkBytes);
 }
 
@@ -208,8 +204,7 @@ float VstSynth::getParameter(std::int32_t id) const
 
 void VstSynth::setProgram(std::int32_t program)
 {
-    if (isProgram(program))
-        core_.whileSilent([this, program] { core_.loadProgram(program); });
+    presets_.setProgram(program);
 }
 
 std::int32_t VstSynth::getProgram() const
@@ -222,14 +217,12 @@ void VstSynth::setProgramName(const char* name)
     if (name == nullptr)
         return;
     const std::size_t longest = sizeof(ProgramRecord::name) - 1;
-    ProgramStore& programs = core_.engine().programBank();
-    programs.setName(core_.currentProgram(), {name, strnlen(name, longest)});
-    if (EditorHooks* editor = core_.editor())
-        editor->programNamesChanged();
+    presets_.setProgramName({name, strnlen(name, longest)});
 }
 
 void VstSynth::getProgramName(char* text)
 {
+    const std::lock_guard lock(core_.textLock());
     vst2::copyText(text, vst2::kProgramNameSize,
                    core_.engine().programBank().name(core_.currentProgram()));
 }
@@ -238,6 +231,7 @@ bool VstSynth::getProgramNameIndexed(std::int32_t, std::int32_t program, char* t
 {
     if (!isProgram(program))
         return false;
+    const std::lock_guard lock(core_.textLock());
     vst2::copyText(text, vst2::kProgramNameSize, core_.engine().programBank().name(program));
     return true;
 }
@@ -247,6 +241,7 @@ bool VstSynth::copyProgram(std::int32_t destination)
 {
     if (!isProgram(destination))
         return false;
+    const std::lock_guard lock(core_.textLock());
     ProgramStore& programs = core_.engine().programBank();
     const int source = core_.currentProgram();
     for (int id = 0; id < kStoredParameterCount; ++id)

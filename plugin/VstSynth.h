@@ -3,7 +3,8 @@
 // it hands to the core. The audio thread calls processEvents and processReplacing, other threads
 // everything else; both call setParameter.
 
-#include "patch/chunk.h"
+#include "plugin/Notices.h"
+#include "plugin/PresetLibrary.h"
 #include "plugin/SynthCore.h"
 #include "plugin/platform.h"
 #include "vst2/AudioEffectX.h"
@@ -13,8 +14,6 @@
 
 namespace tolm {
 
-using ChunkBuffer = std::array<std::uint8_t, kChunkBytes>;
-
 class VstSynth : public vst2::AudioEffectX, private TempoSource {
 public:
     VstSynth(vst2::HostCallback host, std::unique_ptr<SettingsStore> settings,
@@ -22,6 +21,8 @@ public:
     ~VstSynth() override;
 
     SynthCore& core() { return core_; }
+    PresetLibrary& presets() { return presets_; }
+    Notices& notices() { return notices_; }
 
     void open() override;
     void suspend() override;
@@ -86,8 +87,9 @@ private:
 
     std::unique_ptr<SettingsStore> settings_;
     std::unique_ptr<MessageBox> messages_;
-    std::unique_ptr<ChunkBuffer> chunk_; // allocated when first asked for
     SynthCore core_;
+    Notices notices_;
+    PresetLibrary presets_;
     HostKind hostKind_;
     std::int32_t numAutomatable_ = kHostParameterCount; // ids below are reported to the host
 };

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -41,7 +42,24 @@ public:
     virtual void show(std::string_view title, std::string_view text) = 0;
 };
 
-// Writes to standard error, the same text only once.
+// Writes to standard error.
 std::unique_ptr<MessageBox> systemMessageBox();
+
+// What a file selector shows and offers.
+struct FileRequest {
+    std::string title;
+    std::string extension; // without the dot; the only kind of file that is offered
+    std::string description;
+    std::string suggestedName;
+    bool saves = false;
+};
+
+class FileSelector {
+public:
+    virtual ~FileSelector() = default;
+    // Calls `chosen` at once or later, on the caller's thread; never when the user cancels.
+    virtual void choose(const FileRequest& request,
+                        std::function<void(const std::string& path)> chosen) = 0;
+};
 
 } // namespace tolm

@@ -142,15 +142,9 @@ class ErrorStreamMessages final : public MessageBox {
 public:
     void show(std::string_view title, std::string_view text) override
     {
-        if (text == last_)
-            return;
-        last_ = text;
         std::fprintf(stderr, "Tolm: %.*s: %.*s\n", static_cast<int>(title.size()), title.data(),
                      static_cast<int>(text.size()), text.data());
     }
-
-private:
-    std::string last_;
 };
 
 } // namespace
