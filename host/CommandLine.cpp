@@ -74,7 +74,8 @@ void addOptions(CLI::App& app, Options& o, FormatTexts& format)
     app.add_option("--plugin", o.plugin,
                    "VST 2.4 instrument (default: Tolm.so beside this program)");
     app.add_option("--program", o.program,
-                   "Program by name or index; the song's own program changes are then ignored");
+                   "Program by name or index, or a program file (.fxp); the song's own program "
+                   "changes are then ignored");
     app.add_option("--bank", o.bank, "Bank (.fxb) or program (.fxp) file to load first");
     app.add_option(
            "--set", o.settings,

@@ -22,12 +22,34 @@ float gainFromDb(double db)
     return static_cast<float>(std::pow(10.0, db / 20.0));
 }
 
+// Numbers are indices even when a file is called like one.
+bool isProgramFile(const std::string& program)
+{
+    std::error_code ignored;
+    return program.ends_with(".fxp") ||
+           (!wholeNumber(program) && std::filesystem::is_regular_file(program, ignored));
+}
+
+PresetFile readPresetFor(const Plugin& plugin, const std::string& path)
+{
+    PresetFile preset = readPresetFile(path);
+    if (preset.uniqueId != plugin.uniqueId() || !plugin.takesChunks())
+        throw Failure(quoted(path) + " belongs to another plug-in than " + plugin.name());
+    return preset;
+}
+
 // Without a choice the current program is selected all the same: a plug-in need not apply any
 // before it is told to.
 void chooseProgram(const Plugin& plugin, const std::optional<std::string>& program)
 {
-    plugin.selectProgram(program ? findByName(plugin.programNames(), *program, "program")
-                                 : plugin.currentProgram());
+    if (!program)
+        return plugin.selectProgram(plugin.currentProgram());
+    if (!isProgramFile(*program))
+        return plugin.selectProgram(findByName(plugin.programNames(), *program, "program"));
+    PresetFile preset = readPresetFor(plugin, *program);
+    if (preset.kind != ChunkKind::program)
+        throw Failure(quoted(*program) + " is a bank: use --bank");
+    plugin.loadChunk(preset.kind, preset.chunk);
 }
 
 // A bank replaces all programs before one is chosen; a single program replaces the chosen one.
@@ -36,9 +58,7 @@ void loadSounds(const Plugin& plugin, const Options& options,
 {
     if (options.bank.empty())
         return chooseProgram(plugin, program);
-    PresetFile preset = readPresetFile(options.bank);
-    if (preset.uniqueId != plugin.uniqueId() || !plugin.takesChunks())
-        throw Failure(quoted(options.bank) + " belongs to another plug-in than " + plugin.name());
+    PresetFile preset = readPresetFor(plugin, options.bank);
     if (preset.kind == ChunkKind::program)
         chooseProgram(plugin, program);
     plugin.loadChunk(preset.kind, preset.chunk);

@@ -65,7 +65,7 @@ PresetFile readPresetFile(const std::filesystem::path& path)
     std::error_code ignored;
     std::ifstream file(path, std::ios::binary);
     if (!file || std::filesystem::is_directory(path, ignored))
-        throw Failure("cannot open the bank file " + quoted(path.string()));
+        throw Failure("cannot open the preset file " + quoted(path.string()));
     const std::string bytes{std::istreambuf_iterator<char>(file), {}};
     try {
         return parse(bytes);

@@ -4,6 +4,7 @@
 #include "patch/soundText.h"
 #include "plugin/catalogue.h"
 #include "plugin/menus.h"
+#include "tools/bankFiles.h"
 
 #include <CLI/CLI.hpp>
 
@@ -208,6 +209,9 @@ constexpr Command kCommands[] = {
     {      "decompile", "Write a bank image as readable texts",                                            "FILE", "DIR", decompileCommand              },
     { "list",                             "List the programs in the order in which they are loaded",                                                                       "DIR|FILE",                                                                         nullptr,
      [](const fs::path& source,                                                              const fs::path&) { listCommand(source); }},
+    {"fxp", "Make a program file of a text with one sound", "TEXT", "FILE", writeProgramFile},
+    {"fxb", "Make a bank file of a text with up to 128 sounds", "TEXT", "FILE", writeBankFile},
+    {"text", "Write a program or bank file as readable text", "FILE", "TEXT", writeTextOfFile},
 };
 
 int runCommandLine(int argc, char** argv)

@@ -83,6 +83,11 @@ Outcome HostRig::runPlain(const std::string& arguments) const
     return runCommand(TOLM_RENDER " " + arguments);
 }
 
+Outcome HostRig::runBank(const std::string& arguments) const
+{
+    return runCommand(TOLM_BANK " " + arguments);
+}
+
 Outcome HostRig::runCommand(const std::string& command) const
 {
     const int result = std::system(("cd " + directory_.string() + " && { " + command +

@@ -36,6 +36,7 @@ public:
     // `arguments` as in a shell, run inside the directory; `kind` as the test instrument takes it.
     Outcome run(const std::string& arguments, const std::string& kind = "") const;
     Outcome runPlain(const std::string& arguments) const;
+    Outcome runBank(const std::string& arguments) const; // tolm-bank
     // Runs, expects success, and reads out.wav.
     Sound render(const std::string& arguments, const std::string& kind = "") const;
     Sound readSound(const std::string& name) const;

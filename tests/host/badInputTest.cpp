@@ -57,7 +57,7 @@ TEST(HostBadInput, isNamedInOneLineAndLeavesNoFile)
         {"-o out.wav song.mid --set 'Pitch=30 ms'", "\"Pitch\" has no value"},
         {"-o out.wav song.mid --part Key=Half", "no track \"Key\"; nearest: \"Keys\""},
         {"-o out.wav song.mid --part Keys", "takes TRACK=PROGRAM"},
-        {"-o out.wav song.mid --bank none.fxb", "cannot open the bank file"},
+        {"-o out.wav song.mid --bank none.fxb", "cannot open the preset file"},
         {"-o out.wav song.mid --bits 20", "takes one of"},
         {"-o out.flac song.mid --bits 32f", "flac holds 16 or 24 bits"},
         {"-o out.wav song.mid --format mp3", "takes one of"},
