@@ -1,9 +1,11 @@
 #pragma once
-// Corpus files are text: bytes in hex, "#" starts a comment, "*N" repeats the last byte N times.
+// Corpus files are text: ".toml" as it is, ".hex" as bytes in hex, "#" starts a comment, "*N"
+// repeats the last byte N times.
 
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -32,11 +34,19 @@ inline std::vector<std::uint8_t> readHex(const std::filesystem::path& path)
     return bytes;
 }
 
+inline std::vector<std::uint8_t> readInput(const std::filesystem::path& path)
+{
+    if (path.extension() == ".hex")
+        return readHex(path);
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
 inline std::vector<std::filesystem::path> corpusFiles(const std::filesystem::path& folder)
 {
     std::vector<std::filesystem::path> files;
     for (const auto& entry : std::filesystem::directory_iterator(folder))
-        if (entry.path().extension() == ".hex")
+        if (entry.path().extension() == ".hex" || entry.path().extension() == ".toml")
             files.push_back(entry.path());
     return files;
 }

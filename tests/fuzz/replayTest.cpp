@@ -17,6 +17,7 @@ struct Target {
 constexpr Target kTargets[] = {
     {"chunk", chunkTarget},
     {"presetFile", presetFileTarget},
+    {"soundText", soundTextTarget},
 };
 
 std::vector<std::vector<std::uint8_t>> corpusOf(const Target& target)
@@ -24,7 +25,7 @@ std::vector<std::vector<std::uint8_t>> corpusOf(const Target& target)
     std::vector<std::vector<std::uint8_t>> inputs;
     const std::filesystem::path corpus(TOLM_SOURCE_DIR "/tests/corpus");
     for (const auto& file : corpusFiles(corpus / target.name))
-        inputs.push_back(readHex(file));
+        inputs.push_back(readInput(file));
     return inputs;
 }
 

@@ -12,6 +12,8 @@ using Input = std::span<const std::uint8_t>;
 void chunkTarget(Input input);
 // One control byte, then a preset file: see presetFileTarget.cpp.
 void presetFileTarget(Input input);
+// A text of readable sounds.
+void soundTextTarget(Input input);
 
 void require(bool kept, const char* promise);
 
