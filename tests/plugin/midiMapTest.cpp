@@ -4,9 +4,12 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <filesystem>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <thread>
+#include <unistd.h>
 #include <utility>
 
 namespace tolm {
@@ -205,6 +208,56 @@ TEST_F(SettingsFilesOnDisk, twoWritersLeaveOneOfTheirFilesWhole)
     }
     one.join();
     two.join();
+}
+
+TEST_F(SettingsFilesOnDisk, twoProcessesOneOfThemKilledLeaveAWholeFile)
+{
+    store()->write(Scope::user, kKey, "1", mapBytes(128, 1));
+    const pid_t writer = ::fork();
+    ASSERT_GE(writer, 0);
+    if (writer == 0) // writes until it is killed
+        for (;;)
+            store()->write(Scope::user, kKey, "1", mapBytes(128, 2));
+    for (int i = 0; i < 30; ++i) {
+        store()->write(Scope::user, kKey, "1", mapBytes(128, 1));
+        std::array<std::uint8_t, 260> out{};
+        EXPECT_EQ(read(Scope::user, out), 128u);
+        EXPECT_EQ(out[0], out[127]);
+    }
+    ::kill(writer, SIGKILL);
+    ::waitpid(writer, nullptr, 0);
+    std::array<std::uint8_t, 260> out{};
+    EXPECT_EQ(read(Scope::user, out), 128u);
+    EXPECT_EQ(out[0], out[127]);
+    EXPECT_TRUE(out[0] == 1 || out[0] == 2);
+}
+
+TEST_F(SettingsFilesOnDisk, homesThatAreMissingOrNotToBeWrittenKeepTheDefaults)
+{
+    std::filesystem::create_directories(root_ / "user");
+    std::filesystem::permissions(root_ / "user", std::filesystem::perms::owner_read |
+                                                     std::filesystem::perms::owner_exec);
+    for (const auto& folder :
+         {std::string(root_ / "user"), std::string("/proc/none"), std::string()}) {
+        const auto files = fileSettingsStore("", folder);
+        MidiMap map(*files);
+        map.forget(28);
+        map.storeIfChanged(); // must neither throw nor report
+        EXPECT_EQ(map.parameterOf(74), -1);
+        if (::geteuid() != 0 || folder.empty() || folder.starts_with("/proc")) {
+            EXPECT_EQ(MidiMap(*files).parameterOf(74), 28) << folder;
+        }
+    }
+    std::filesystem::permissions(root_ / "user", std::filesystem::perms::owner_all);
+}
+
+TEST_F(SettingsFilesOnDisk, aMapThatNobodyChangedCreatesNothing)
+{
+    const auto files = store();
+    MidiMap map(*files);
+    map.learn(20); // nothing was armed
+    map.storeIfChanged();
+    EXPECT_TRUE(std::filesystem::is_empty(root_));
 }
 
 } // namespace
