@@ -35,18 +35,18 @@ float unitFloat(double x)
     return static_cast<float>(std::clamp(x, 0.0, 1.0));
 }
 
-Ramp rampTo(float& previous, float target, int frames)
+Ramp rampTo(float& previous, float target, float perFrame)
 {
     const float start = previous < 0.0f ? target : previous;
     previous = target;
-    return {start, (target - start) / static_cast<float>(frames)};
+    return {start, (target - start) * perFrame};
 }
 
-Ramp cutoffRamp(float& previous, float target, int frames)
+Ramp cutoffRamp(float& previous, float target, float perFrame)
 {
     const float start = previous < kNoPreviousCutoff ? target : previous;
     previous = target;
-    return {start, (target - start) / static_cast<float>(frames)};
+    return {start, (target - start) * perFrame};
 }
 
 VoiceModulation modulationFromSettings(const EngineRecord& r)
@@ -211,19 +211,19 @@ void setOscillators(CallContext& call, std::size_t voice, const VoiceModulation&
 
 void setMix(CallContext& call, VoiceSlot& slot, const VoiceModulation& m, VoiceControl& control)
 {
-    const int frames = call.frames;
+    const float perFrame = call.perFrame;
     const float fm1 = std::clamp(toFloat(m.fmDepth) * std::max(0.0f, toFloat(m.fm1)) * kFm1Scale,
                                  -kLargestFm, kLargestFm);
     control.fm2 = unitFloat(m.fm2) * kFm2Scale;
     control.fmOn = m.fmOn || m.fm1 > 0.0 || m.fm2 > 0.0;
-    control.fm1 = rampTo(slot.previous.fm, fm1, frames);
+    control.fm1 = rampTo(slot.previous.fm, fm1, perFrame);
     control.oneShot = m.oneShot;
-    control.oscMix = rampTo(slot.previous.oscMix, unitFloat(m.oscMix), frames);
+    control.oscMix = rampTo(slot.previous.oscMix, unitFloat(m.oscMix), perFrame);
     control.osc3Level =
-        rampTo(slot.previous.osc3Level, toFloat(std::max(0.0, m.osc3Level)), frames);
-    control.ringMod = rampTo(slot.previous.ringMod, unitFloat(m.ringMod), frames);
+        rampTo(slot.previous.osc3Level, toFloat(std::max(0.0, m.osc3Level)), perFrame);
+    control.ringMod = rampTo(slot.previous.ringMod, unitFloat(m.ringMod), perFrame);
     control.noiseLevel =
-        rampTo(slot.previous.noiseLevel, toFloat(std::max(0.0, m.noiseLevel)), frames);
+        rampTo(slot.previous.noiseLevel, toFloat(std::max(0.0, m.noiseLevel)), perFrame);
     control.noiseFilter = call.r.noiseFilter;
 }
 
@@ -239,7 +239,7 @@ void setFilter(CallContext& call, std::size_t voice, const VoiceModulation& m,
         cutoff += r.voiceNote[voice].pitch * kKeytrackPerUnit * tracking;
     cutoff = std::clamp(cutoff, -kLargestCutoff, kLargestCutoff);
     control.filterType = static_cast<int>(r.voiceFilterType[voice]);
-    control.cutoff = cutoffRamp(call.r.slot[voice].previous.cutoff, cutoff, call.frames);
+    control.cutoff = cutoffRamp(call.r.slot[voice].previous.cutoff, cutoff, call.perFrame);
     control.resonance = call.resonance;
     control.resonance.start += toFloat(m.resonance);
     control.filterEnv = toFloat(m.filterEnv);
@@ -277,9 +277,10 @@ void setGains(CallContext& call, std::size_t voice, const VoiceModulation& m, Vo
         std::clamp(m.pan + spread * stackPan(static_cast<int>(k), r.unisonVoices), -1.0, 1.0);
     const double left = pan > 0.0 ? gain * (1.0 - pan) : gain;
     const double right = pan < 0.0 ? gain * (1.0 + pan) : gain;
-    control.leftGain = rampTo(slot.previous.leftGain, toFloat(left), call.frames);
-    control.rightGain = rampTo(slot.previous.rightGain, toFloat(right), call.frames);
-    control.effectsSend = rampTo(slot.previous.effectsSend, unitFloat(m.effectsSend), call.frames);
+    control.leftGain = rampTo(slot.previous.leftGain, toFloat(left), call.perFrame);
+    control.rightGain = rampTo(slot.previous.rightGain, toFloat(right), call.perFrame);
+    control.effectsSend =
+        rampTo(slot.previous.effectsSend, unitFloat(m.effectsSend), call.perFrame);
 
     control.spike = toFloat(m.spike);
     control.spikeTable =
@@ -308,14 +309,15 @@ void setEnvelopes(EngineRecord& r, std::size_t voice, const VoiceModulation& m,
 
 CallContext beginCall(EngineRecord& r, const Module& module, double tempo, int frames)
 {
-    CallContext call{r, module, tempo, frames, {}, {}, kPhaseTurn / module.sampleRateHz()};
+    const float perFrame = 1.0f / static_cast<float>(frames);
+    CallContext call{r,        module, tempo, frames,
+                     perFrame, {},     {},    kPhaseTurn / module.sampleRateHz()};
     for (std::size_t n = 0; n < kLfoCount; ++n) {
         LfoSettings& lfo = r.lfo[n];
         lfo.rateHz = lfoRateHz(lfo, lfo.rate, tempo);
         call.lfoIncrement[n] = lfoIncrement(lfo.rateHz, module.sampleRateHz());
     }
-    call.resonance = {r.previousResonance,
-                      (r.resonance - r.previousResonance) / static_cast<float>(frames)};
+    call.resonance = {r.previousResonance, (r.resonance - r.previousResonance) * perFrame};
     return call;
 }
 

@@ -26,6 +26,7 @@ struct Ramp {
 
     float at(int frame) const { return start + slope * static_cast<float>(frame); }
     bool isZero() const { return start == 0.0f && slope == 0.0f; }
+    bool isConstant() const { return slope == 0.0f; }
 };
 
 // Sums that the matrix builds for one voice and call, starting from the settings.
@@ -137,6 +138,7 @@ struct CallContext {
     const Module& module;
     double tempo; // beats per minute
     int frames;
+    float perFrame;                                      // 1 / frames
     std::array<std::uint32_t, kLfoCount> lfoIncrement{}; // without modulation
     Ramp resonance;
     double phaseScale = 0.0; // 2^32 / sample rate

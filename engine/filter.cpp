@@ -68,18 +68,18 @@ void preparePosition(FilterCall& call, VoiceSlot& slot, const VoiceControl& cont
     const std::size_t frames = call.frames;
     runFilterEnvelope(slot.filter, control.filterEnvelope, std::span(call.position).first(frames));
     slot.filter.level = flushTiny(slot.filter.level, 1e-8f);
-    // Copies, so that the compiler need not fear that the buffers overlap them.
-    const Ramp cutoff = control.cutoff;
+    // Scaled to table indices at once: by a power of two, so exactly. Copies, so that the compiler
+    // need not fear that the buffers overlap them.
+    constexpr auto kScale = static_cast<float>(kCutoffScale);
+    const Ramp cutoff{control.cutoff.start * kScale, control.cutoff.slope * kScale};
     const Ramp resonance = control.resonance;
-    const float amount = control.filterEnv;
+    const float amount = control.filterEnv * kScale;
     const auto frameCount = static_cast<int>(frames);
     float* position = call.position.data();
     for (int i = 0; i < frameCount; ++i)
         position[i] = position[i] * amount + cutoff.at(i);
     for (std::size_t i = 0; i < cutoffFm.size(); ++i)
-        call.position[i] += cutoffFm[i];
-    for (std::size_t i = 0; i < frames; ++i)
-        call.position[i] *= static_cast<float>(kCutoffScale);
+        position[i] += cutoffFm[i] * kScale;
     float* clamped = call.resonance.data();
     for (int i = 0; i < frameCount; ++i)
         clamped[i] = atMost(atLeast(resonance.at(i), 0.0f), 1.0f);

@@ -37,7 +37,8 @@ const std::vector<FolderRule> kRules = {
     {"patch/", true, {}},
     {"engine/", true, {"fx/", "patch/programStore.h"}},
     {"plugin/", true, {"vst2/", "engine/", "fx/", "patch/"}},
-    {"host/", true, {"vst2/abi.h", "plugin/paramText.h"}},
+    // Of the plug-in the host knows the interface, and how typed parameter texts are read.
+    {"host/", false, {"vst2/abi.h", "plugin/paramText.h"}},
     {"tools/", true, {"patch/", "host/keyName.h"}},
 };
 
