@@ -1,124 +1,24 @@
-// tolm-bank: the factory sounds between readable texts and the bank image that the plug-in embeds.
+// tolm-bank: the factory sounds between readable texts and the bank image that the plug-in embeds,
+// and their loudness.
 
 #include "patch/programStore.h"
-#include "patch/soundText.h"
 #include "plugin/catalogue.h"
 #include "plugin/menus.h"
+#include "tools/audition/level.h"
 #include "tools/bankFiles.h"
+#include "tools/soundFiles.h"
 
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
-#include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <iterator>
-#include <memory>
-#include <stdexcept>
 
 namespace tolm {
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr const char* kInitFile = "init.toml";
-constexpr const char* kPlanFile = "bank.toml";
-
-// One clear line for the person at the terminal.
-struct Failure : std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
-
-void check(const SoundTextStatus& status)
-{
-    if (status)
-        throw Failure(status->text());
-}
-
-std::string readFile(const fs::path& path)
-{
-    std::ifstream stream(path, std::ios::binary);
-    std::string bytes{std::istreambuf_iterator<char>(stream), {}};
-    if (!stream.is_open() || stream.bad() || fs::is_directory(path))
-        throw Failure(path.string() + ": cannot be read");
-    return bytes;
-}
-
-// Written aside and renamed, so that a failure leaves no half file.
-void writeFile(const fs::path& path, std::string_view bytes)
-{
-    fs::path aside = path;
-    aside += ".part";
-    std::ofstream stream(aside, std::ios::binary | std::ios::trunc);
-    stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    stream.close();
-    std::error_code error;
-    if (stream)
-        fs::rename(aside, path, error);
-    if (!stream || error) {
-        std::error_code ignored;
-        fs::remove(aside, ignored);
-        throw Failure(path.string() + ": cannot be written");
-    }
-}
-
-std::vector<Sound> readSoundFile(const fs::path& path, const ProgramRecord& base)
-{
-    std::vector<Sound> sounds;
-    check(readSounds(readFile(path), path.string(), base, sounds));
-    return sounds;
-}
-
-ProgramRecord readInit(const fs::path& directory)
-{
-    const std::vector<Sound> sounds = readSoundFile(directory / kInitFile, blankRecord());
-    if (sounds.size() != 1)
-        throw Failure((directory / kInitFile).string() + ": exactly one program is expected");
-    return sounds.front().record;
-}
-
-std::vector<fs::path> soundFiles(const fs::path& directory)
-{
-    std::vector<fs::path> files;
-    std::error_code error;
-    for (const fs::directory_entry& entry : fs::directory_iterator(directory, error)) {
-        const fs::path name = entry.path().filename();
-        if (name.extension() == ".toml" && name != kInitFile && name != kPlanFile)
-            files.push_back(entry.path());
-    }
-    if (error)
-        throw Failure(directory.string() + ": cannot be read");
-    std::sort(files.begin(), files.end());
-    return files;
-}
-
-std::unique_ptr<FactoryImage> compileDirectory(const fs::path& directory)
-{
-    std::vector<Sound> sounds;
-    const std::vector<fs::path> files = soundFiles(directory);
-    const ProgramRecord init = readInit(directory);
-    for (const fs::path& file : files)
-        check(readSounds(readFile(file), file.string(), init, sounds));
-    const fs::path planFile = directory / kPlanFile;
-    BankPlan plan;
-    check(readBankPlan(readFile(planFile), planFile.string(), plan));
-    auto image = std::make_unique<FactoryImage>();
-    check(assembleBank(plan, sounds, init, *image));
-    return image;
-}
-
-std::unique_ptr<FactoryImage> readImage(const fs::path& path)
-{
-    const std::string bytes = readFile(path);
-    if (bytes.size() != sizeof(FactoryImage))
-        throw Failure(path.string() + ": a bank image has " + std::to_string(sizeof(FactoryImage)) +
-                      " bytes, not " + std::to_string(bytes.size()));
-    auto image = std::make_unique<FactoryImage>();
-    std::memcpy(image->data(), bytes.data(), bytes.size());
-    return image;
-}
 
 std::unique_ptr<FactoryImage> readBank(const fs::path& source)
 {
@@ -163,9 +63,7 @@ std::vector<ProgramRecord> programsOfCategory(const FactoryImage& image, int cat
 void decompileCommand(const fs::path& imageFile, const fs::path& directory)
 {
     const auto image = readImage(imageFile);
-    std::vector<std::pair<std::string, std::string>> files{
-        {kPlanFile, writeBankPlan(*image)}
-    };
+    std::vector<std::pair<std::string, std::string>> files{{kPlanFile, writeBankPlan(*image)}};
     std::string text;
     check(writeSounds(std::span(image->end() - 1, 1), blankRecord(), 0, text));
     files.emplace_back(kInitFile, text);
@@ -205,14 +103,23 @@ struct Command {
 };
 
 constexpr Command kCommands[] = {
-    {"compile",                               "Compile a directory of sounds into a bank image", "DIR", "FILE",           compileCommand},
-    {      "decompile", "Write a bank image as readable texts",                                            "FILE", "DIR", decompileCommand              },
-    { "list",                             "List the programs in the order in which they are loaded",                                                                       "DIR|FILE",                                                                         nullptr,
-     [](const fs::path& source,                                                              const fs::path&) { listCommand(source); }},
+    {"compile", "Compile a directory of sounds into a bank image", "DIR", "FILE", compileCommand},
+    {"decompile", "Write a bank image as readable texts", "FILE", "DIR", decompileCommand},
+    {"list", "List the programs in the order in which they are loaded", "DIR|FILE", nullptr,
+     [](const fs::path& source, const fs::path&) { listCommand(source); }},
     {"fxp", "Make a program file of a text with one sound", "TEXT", "FILE", writeProgramFile},
     {"fxb", "Make a bank file of a text with up to 128 sounds", "TEXT", "FILE", writeBankFile},
     {"text", "Write a program or bank file as readable text", "FILE", "TEXT", writeTextOfFile},
 };
+
+void addLevelCommand(CLI::App& app, std::string& source, std::string& program)
+{
+    CLI::App* sub =
+        app.add_subcommand("level", "Set every Volume so that programs are equally loud");
+    sub->add_option("source", source, "DIR")->required();
+    sub->add_option("--program", program, "Only the program of this name");
+    sub->callback([&source, &program] { levelDirectory(source, program); });
+}
 
 int runCommandLine(int argc, char** argv)
 {
@@ -221,6 +128,8 @@ int runCommandLine(int argc, char** argv)
     app.require_subcommand(1);
     std::string source;
     std::string output;
+    std::string program;
+    addLevelCommand(app, source, program);
     for (const Command& command : kCommands) {
         CLI::App* sub = app.add_subcommand(command.name, command.help);
         sub->add_option("source", source, command.source)->required();

@@ -39,7 +39,8 @@ const std::vector<FolderRule> kRules = {
     {"plugin/", true, {"vst2/", "engine/", "fx/", "patch/"}},
     // Of the plug-in the host knows the interface, and how typed parameter texts are read.
     {"host/", false, {"vst2/abi.h", "plugin/paramText.h"}},
-    {"tools/", true, {"patch/", "host/keyName.h"}},
+    // Auditioning sounds plays them through the plug-in's own core.
+    {"tools/", true, {"patch/", "plugin/", "engine/", "host/keyName.h"}},
 };
 
 // Free to include anything.

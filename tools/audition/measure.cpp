@@ -1,0 +1,237 @@
+#include "tools/audition/measure.h"
+
+#include <ebur128.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <memory>
+#include <new>
+#include <numbers>
+#include <utility>
+
+namespace tolm {
+namespace {
+
+constexpr double kNothing = -std::numeric_limits<double>::infinity();
+constexpr std::size_t kMeterStep = kAuditionRateHz / 20;
+constexpr std::size_t kEnvelopeStep = kAuditionRateHz / 200; // 5 ms
+constexpr std::size_t kSpectrumSize = 4096;
+
+struct MeterCloser {
+    void operator()(ebur128_state* state) const { ebur128_destroy(&state); }
+};
+using Meter = std::unique_ptr<ebur128_state, MeterCloser>;
+
+Meter openMeter()
+{
+    Meter meter(ebur128_init(2, kAuditionRateHz, EBUR128_MODE_S));
+    if (!meter)
+        throw std::bad_alloc();
+    return meter;
+}
+
+std::vector<float> interleaved(const Rendering& r, std::size_t begin, std::size_t end)
+{
+    std::vector<float> frames;
+    frames.reserve(2 * (end - begin));
+    for (std::size_t i = begin; i < end; ++i) {
+        frames.push_back(r.left[i]);
+        frames.push_back(r.right[i]);
+    }
+    return frames;
+}
+
+// K-weighted power of the last `frames`, summed over them. The meter's own longer windows would do,
+// but its library takes a thousand times the memory they need.
+double energyOver(ebur128_state* meter, std::size_t frames)
+{
+    double level = kNothing;
+    const unsigned long ms = std::max(frames * 1000 / kAuditionRateHz, std::size_t{1});
+    ebur128_loudness_window(meter, ms, &level);
+    return std::pow(10.0, level / 10.0) * static_cast<double>(frames);
+}
+
+std::vector<double> envelopeOf(const Rendering& r)
+{
+    std::vector<double> envelope;
+    for (std::size_t i = 0; i + kEnvelopeStep <= r.left.size(); i += kEnvelopeStep) {
+        double sum = 0.0;
+        for (std::size_t k = i; k < i + kEnvelopeStep; ++k) {
+            const double left = static_cast<double>(r.left[k]);
+            const double right = static_cast<double>(r.right[k]);
+            sum += left * left + right * right;
+        }
+        envelope.push_back(std::sqrt(sum / (2.0 * kEnvelopeStep)));
+    }
+    return envelope;
+}
+
+double attackMsOf(const std::vector<double>& envelope, double stepMs)
+{
+    const auto end = envelope.begin() + std::min<std::ptrdiff_t>(100, std::ssize(envelope));
+    if (envelope.begin() == end)
+        return 0.0;
+    const double top = *std::max_element(envelope.begin(), end);
+    const auto reaches = [&](double share) {
+        return std::find_if(envelope.begin(), end, [&](double e) { return e >= share * top; });
+    };
+    return static_cast<double>(reaches(0.9) - reaches(0.1)) * stepMs;
+}
+
+double fadeSecondsOf(const Rendering& r, double peak)
+{
+    const double limit = peak * 1e-3;
+    std::size_t last = r.keyUpFrame;
+    for (std::size_t i = r.keyUpFrame; i < r.left.size(); ++i)
+        if (std::max(std::fabs(r.left[i]), std::fabs(r.right[i])) > static_cast<float>(limit))
+            last = i;
+    return static_cast<double>(last - r.keyUpFrame) / kAuditionRateHz;
+}
+
+double centroidOf(const Rendering& r)
+{
+    std::vector<double> sum(kSpectrumSize / 2 + 1, 0.0);
+    const std::size_t end = std::min(r.keyUpFrame, r.left.size());
+    for (std::size_t i = 0; i + kSpectrumSize <= end; i += kSpectrumSize / 2)
+        for (const auto* channel : {&r.left, &r.right}) {
+            const auto power =
+                powerSpectrum(std::span(*channel).subspan(i, kSpectrumSize), kSpectrumSize);
+            for (std::size_t bin = 0; bin < power.size(); ++bin)
+                sum[bin] += power[bin];
+        }
+    double weighted = 0.0;
+    double total = 0.0;
+    for (std::size_t bin = 0; bin < sum.size(); ++bin) {
+        const double hz = static_cast<double>(bin) * kAuditionRateHz / kSpectrumSize;
+        if (hz < 20.0 || hz > 16000.0)
+            continue;
+        weighted += hz * sum[bin];
+        total += sum[bin];
+    }
+    return total > 0.0 ? weighted / total : 0.0;
+}
+
+// In place, the size a power of two: bit reversal, then butterflies.
+void fourier(std::vector<std::complex<double>>& x)
+{
+    for (std::size_t i = 1, j = 0; i < x.size(); ++i) {
+        std::size_t bit = x.size() / 2;
+        for (; (j & bit) != 0; bit /= 2)
+            j ^= bit;
+        j ^= bit;
+        if (i < j)
+            std::swap(x[i], x[j]);
+    }
+    for (std::size_t length = 2; length <= x.size(); length *= 2) {
+        const std::complex<double> turn =
+            std::polar(1.0, -2.0 * std::numbers::pi / static_cast<double>(length));
+        for (std::size_t start = 0; start < x.size(); start += length) {
+            std::complex<double> w = 1.0;
+            for (std::size_t k = start; k < start + length / 2; ++k, w *= turn) {
+                const std::complex<double> odd = x[k + length / 2] * w;
+                x[k + length / 2] = x[k] - odd;
+                x[k] += odd;
+            }
+        }
+    }
+}
+
+struct Sums {
+    double left = 0.0, right = 0.0; // of the samples
+    double mid = 0.0, side = 0.0;   // of the squares
+    double peak = 0.0;
+    bool finite = true;
+};
+
+Sums sumsOf(const Rendering& r)
+{
+    Sums s;
+    for (std::size_t i = 0; i < r.left.size(); ++i) {
+        const double left = static_cast<double>(r.left[i]);
+        const double right = static_cast<double>(r.right[i]);
+        s.finite = s.finite && std::isfinite(left) && std::isfinite(right);
+        s.peak = std::max({s.peak, std::fabs(left), std::fabs(right)});
+        s.mid += (left + right) * (left + right) / 4.0;
+        s.side += (left - right) * (left - right) / 4.0;
+        if (i < r.keyUpFrame) {
+            s.left += left;
+            s.right += right;
+        }
+    }
+    return s;
+}
+
+} // namespace
+
+double Loudness::of(LoudnessKind kind) const
+{
+    const double figures[] = {wholePhrase, momentary, shortTerm};
+    return figures[static_cast<std::size_t>(kind)];
+}
+
+Loudness loudnessOf(const Rendering& rendering)
+{
+    const std::size_t keyUp = std::min(rendering.keyUpFrame, rendering.left.size());
+    const Meter meter = openMeter();
+    double energy = 0.0;
+    Loudness loudness{kNothing, kNothing, kNothing};
+    for (std::size_t frame = 0; frame < rendering.left.size();) {
+        std::size_t end = std::min(frame + kMeterStep, rendering.left.size());
+        if (frame < keyUp)
+            end = std::min(end, keyUp);
+        const std::vector<float> step = interleaved(rendering, frame, end);
+        if (ebur128_add_frames_float(meter.get(), step.data(), end - frame) != 0)
+            throw std::bad_alloc();
+        double level = kNothing;
+        ebur128_loudness_momentary(meter.get(), &level);
+        loudness.momentary = std::max(loudness.momentary, level);
+        ebur128_loudness_shortterm(meter.get(), &level);
+        loudness.shortTerm = std::max(loudness.shortTerm, level);
+        if (end <= keyUp)
+            energy += energyOver(meter.get(), end - frame);
+        frame = end;
+    }
+    loudness.wholePhrase =
+        10.0 * std::log10(energy / static_cast<double>(std::max(keyUp, std::size_t{1})));
+    return loudness;
+}
+
+Figures figuresOf(const Rendering& rendering)
+{
+    const Sums sums = sumsOf(rendering);
+    const double held = static_cast<double>(std::clamp(
+        rendering.keyUpFrame, std::size_t{1}, std::max(rendering.left.size(), std::size_t{1})));
+    Figures f;
+    f.finite = sums.finite;
+    f.peakDb = decibels(sums.peak);
+    f.dcDb = decibels(std::max(std::fabs(sums.left), std::fabs(sums.right)) / held);
+    f.attackMs = attackMsOf(envelopeOf(rendering), 1000.0 * kEnvelopeStep / kAuditionRateHz);
+    f.fadeSeconds = fadeSecondsOf(rendering, sums.peak);
+    f.centroidHz = centroidOf(rendering);
+    f.widthDb = decibels(std::sqrt(sums.side / std::max(sums.mid, 1e-30)));
+    f.monoLossDb = decibels(std::sqrt((sums.mid + sums.side) / std::max(sums.mid, 1e-30)));
+    return f;
+}
+
+double decibels(double amplitude)
+{
+    return 20.0 * std::log10(std::max(amplitude, 1e-10));
+}
+
+std::vector<double> powerSpectrum(std::span<const float> signal, std::size_t size)
+{
+    std::vector<std::complex<double>> x(size);
+    for (std::size_t i = 0; i < std::min(size, signal.size()); ++i) {
+        const double turn = static_cast<double>(i) / static_cast<double>(size);
+        x[i] =
+            static_cast<double>(signal[i]) * (0.5 - 0.5 * std::cos(2.0 * std::numbers::pi * turn));
+    }
+    fourier(x);
+    std::vector<double> power(size / 2 + 1);
+    for (std::size_t bin = 0; bin < power.size(); ++bin)
+        power[bin] = std::norm(x[bin]);
+    return power;
+}
+
+} // namespace tolm
