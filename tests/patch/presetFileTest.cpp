@@ -253,7 +253,7 @@ TEST(PresetFileRules, pathsAndNames)
         std::optional<std::string_view> name;
     };
     const Row rows[] = {
-        {"/home/me/Warm Pad.fxp", "Warm Pad"},
+        {"/music/pads/Warm Pad.fxp", "Warm Pad"},
         {"C:\\Sounds\\Low.fxp", "Low"},
         {"ab.fxp", "ab"},
         {"a.fxp", std::nullopt},
