@@ -1,5 +1,7 @@
 #include "engine/envelope.h"
 
+#include "engine/unroll.h"
+
 #include <algorithm>
 
 namespace tolm {
@@ -14,6 +16,7 @@ constexpr float kModSustainFull = 1.00001f;
 // Levels of a falling run that starts at `level`: each frame is the one before times `factor`.
 float fall(float level, float factor, std::span<float> levels)
 {
+    TOLM_UNROLL
     for (float& out : levels) {
         level *= factor;
         out = level;
@@ -27,6 +30,7 @@ float fall(float level, float factor, std::span<float> levels)
 std::size_t climb(float& level, float factor, std::span<float> levels)
 {
     float distance = 1.0f - level;
+    TOLM_UNROLL
     for (float& out : levels) {
         distance *= factor;
         out = 1.0f - distance;
@@ -45,6 +49,7 @@ std::size_t climb(float& level, float factor, std::span<float> levels)
 // the level after the last step.
 float fallBefore(float level, float factor, std::span<float> levels)
 {
+    TOLM_UNROLL
     for (float& out : levels) {
         out = level;
         level *= factor;
@@ -55,6 +60,7 @@ float fallBefore(float level, float factor, std::span<float> levels)
 std::size_t climbBefore(float& level, float& next, float factor, std::span<float> levels)
 {
     float distance = 1.0f - level;
+    TOLM_UNROLL
     for (float& out : levels) {
         out = 1.0f - distance;
         distance *= factor;

@@ -81,6 +81,10 @@ void preparePosition(FilterCall& call, VoiceSlot& slot, const VoiceControl& cont
     for (std::size_t i = 0; i < cutoffFm.size(); ++i)
         position[i] += cutoffFm[i] * kScale;
     float* clamped = call.resonance.data();
+    if (resonance.isConstant()) {
+        std::fill_n(clamped, frames, std::clamp(resonance.start, 0.0f, 1.0f));
+        return;
+    }
     for (int i = 0; i < frameCount; ++i)
         clamped[i] = atMost(atLeast(resonance.at(i), 0.0f), 1.0f);
 }

@@ -1,5 +1,6 @@
 #include "engine/filterKernels.h"
 
+#include "engine/unroll.h"
 #include "fx/Module.h"
 
 #include <algorithm>
@@ -30,6 +31,7 @@ void svfCoefficients(const FilterCall& call, float ratio, float limit, SliceBuff
     indices(call, ratio, kLastSvfIndex, index);
     const float* table = call.tables->svf.data();
     const std::size_t frames = call.frames;
+    TOLM_UNROLL
     for (std::size_t i = 0; i < frames; ++i)
         f[i] = atMost(table[index[i]], limit);
 }

@@ -2,6 +2,7 @@
 
 #include "engine/syncOscillator.h"
 #include "engine/tableReader.h"
+#include "engine/unroll.h"
 
 #include <algorithm>
 #include <array>
@@ -78,6 +79,7 @@ void readTable(const std::int16_t* table, std::uint32_t phase, std::uint32_t inc
     }
     IntBuffer from;
     IntBuffer to;
+    TOLM_UNROLL
     for (std::size_t i = 0; i < static_cast<std::size_t>(frames); ++i) {
         from[i] = table[index[i]];
         to[i] = table[next[i]];

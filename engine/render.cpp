@@ -129,6 +129,11 @@ void addSpike(const EngineRecord& r, const VoiceControl& control, std::uint32_t 
 // The buses and the voice's buffer never overlap.
 void addScaled(float* __restrict bus, const float* __restrict samples, Ramp gain, int frames)
 {
+    if (gain.isConstant()) {
+        for (int i = 0; i < frames; ++i)
+            bus[i] += gain.start * samples[i];
+        return;
+    }
     for (int i = 0; i < frames; ++i)
         bus[i] += gain.at(i) * samples[i];
 }
