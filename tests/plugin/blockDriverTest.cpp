@@ -18,11 +18,16 @@ namespace {
 thread_local bool countAllocations = false;
 thread_local int allocations = 0;
 
-void* countedAllocation(std::size_t size)
+void* countedMemory(std::size_t size) noexcept
 {
     if (countAllocations)
         ++allocations;
-    if (void* memory = std::malloc(size != 0 ? size : 1))
+    return std::malloc(size != 0 ? size : 1);
+}
+
+void* countedAllocation(std::size_t size)
+{
+    if (void* memory = countedMemory(size))
         return memory;
     throw std::bad_alloc();
 }
@@ -36,6 +41,14 @@ void* operator new(std::size_t size)
 void* operator new[](std::size_t size)
 {
     return countedAllocation(size);
+}
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept
+{
+    return countedMemory(size);
+}
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept
+{
+    return countedMemory(size);
 }
 void operator delete(void* memory) noexcept
 {
