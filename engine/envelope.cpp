@@ -24,9 +24,24 @@ float fall(float level, float factor, std::span<float> levels)
     return level;
 }
 
-// Levels of an attack, each after its step. Answers how many frames belong to it: all, or up to and
-// with the one that reaches its end. The search is only made when there is something to find, so
-// that the loop before it does nothing but multiply.
+bool isAttackEnd(float level)
+{
+    return level >= kAttackEnd;
+}
+
+// How many frames of a stage belong to it: up to and with the first one whose level `ends` it, or
+// all. Levels move one way, so the last tells whether there is anything to find, and the loops that
+// make them do nothing but multiply.
+template <class Ends>
+std::size_t framesUntil(std::span<const float> levels, Ends ends)
+{
+    if (!ends(levels.back()))
+        return levels.size();
+    const auto end = std::find_if(levels.begin(), levels.end(), ends);
+    return static_cast<std::size_t>(end - levels.begin()) + 1;
+}
+
+// Levels of an attack, each after its step. Answers how many frames belong to it.
 std::size_t climb(float& level, float factor, std::span<float> levels)
 {
     float distance = 1.0f - level;
@@ -35,12 +50,7 @@ std::size_t climb(float& level, float factor, std::span<float> levels)
         distance *= factor;
         out = 1.0f - distance;
     }
-    std::size_t frames = levels.size();
-    if (levels.back() >= kAttackEnd)
-        frames =
-            1 + static_cast<std::size_t>(std::find_if(levels.begin(), levels.end(),
-                                                      [](float x) { return x >= kAttackEnd; }) -
-                                         levels.begin());
+    const std::size_t frames = framesUntil(levels, isAttackEnd);
     level = levels[frames - 1];
     return frames;
 }
@@ -66,12 +76,7 @@ std::size_t climbBefore(float& level, float& next, float factor, std::span<float
         distance *= factor;
     }
     next = 1.0f - distance;
-    std::size_t frames = levels.size();
-    if (levels.back() >= kAttackEnd)
-        frames =
-            1 + static_cast<std::size_t>(std::find_if(levels.begin(), levels.end(),
-                                                      [](float x) { return x >= kAttackEnd; }) -
-                                         levels.begin());
+    const std::size_t frames = framesUntil(levels, isAttackEnd);
     level = levels[frames - 1];
     return frames;
 }
@@ -118,15 +123,12 @@ void runAmpEnvelope(EnvelopeState& state, const EnvelopeCoefficients& c, std::ui
         rest = rest.subspan(held);
     }
     if (state.stage == EnvelopeStage::decay && !rest.empty()) {
-        const float last = fall(state.level, c.decay, rest);
-        std::size_t frames = rest.size();
-        if (c.sustain > last) {
-            // The decay stops at the first frame below the sustain level.
-            const auto below = [&](float x) { return c.sustain > x; };
-            frames = 1 + static_cast<std::size_t>(std::find_if(rest.begin(), rest.end(), below) -
-                                                  rest.begin());
+        fall(state.level, c.decay, rest);
+        // The decay stops at the first frame below the sustain level.
+        const auto isBelow = [&](float x) { return c.sustain > x; };
+        if (isBelow(rest.back()))
             state.stage = EnvelopeStage::sustain;
-        }
+        const std::size_t frames = framesUntil(rest, isBelow);
         state.level = rest[frames - 1];
         rest = rest.subspan(frames);
     }
@@ -151,12 +153,10 @@ void runFilterEnvelope(EnvelopeState& state, const EnvelopeCoefficients& c, std:
     }
     if (state.stage == EnvelopeStage::decay && !rest.empty()) {
         float next = fallBefore(level, c.decay, rest);
-        std::size_t frames = rest.size();
-        if (c.sustain >= rest.back()) {
-            // The decay stops, without a step, at the first frame at or below the sustain level.
-            const auto reached = [&](float x) { return c.sustain >= x; };
-            frames = 1 + static_cast<std::size_t>(std::find_if(rest.begin(), rest.end(), reached) -
-                                                  rest.begin());
+        // The decay stops, without a step, at the first frame at or below the sustain level.
+        const auto isReached = [&](float x) { return c.sustain >= x; };
+        const std::size_t frames = framesUntil(rest, isReached);
+        if (isReached(rest.back())) {
             next = rest[frames - 1];
             state.stage = EnvelopeStage::sustain;
         }
