@@ -227,6 +227,8 @@ float renderOutputStage(EngineRecord& r, int frames, float* const* outputs)
 {
     if (r.outputGain < 0.0f)
         r.outputGain = r.outputGainTarget;
+    if (frames <= 0)
+        return r.outputGain;
     float slope = (r.outputGainTarget - r.outputGain) / static_cast<float>(frames);
     if (std::abs(slope) < kSmallestGainStep)
         slope = 0.0f;
