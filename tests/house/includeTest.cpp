@@ -37,6 +37,8 @@ const std::vector<FolderRule> kRules = {
     {"patch/", true, {}},
     {"engine/", true, {"fx/", "patch/programStore.h"}},
     {"plugin/", true, {"vst2/", "engine/", "fx/", "patch/"}},
+    // Windows and drawing know the operating system and nothing of the synth.
+    {"gui/", false, {}},
     // Of the plug-in the host knows the interface, and how typed parameter texts are read.
     {"host/", false, {"vst2/abi.h", "plugin/paramText.h"}},
     // Auditioning sounds plays them through the plug-in's own core.

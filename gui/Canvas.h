@@ -1,0 +1,76 @@
+#pragma once
+// What views draw on: an Image seen through a transform and a clip. Coordinates are logical; the
+// canvas knows the scale. Nothing is drawn outside the clip.
+
+#include "gui/Font.h"
+#include "gui/Image.h"
+#include "gui/Paint.h"
+#include "gui/Path.h"
+#include "gui/geometry.h"
+
+#include <string_view>
+#include <vector>
+
+namespace tolm::gui {
+
+enum class Align : unsigned char { left, centre, right };
+
+class Canvas {
+public:
+    // Draws into `target` (which outlives the canvas) at `scale` device pixels per logical one.
+    Canvas(Image& target, GlyphCache& glyphs, float scale);
+    Canvas(const Canvas&) = delete;
+    Canvas& operator=(const Canvas&) = delete;
+
+    void save();
+    // Without a matching save nothing happens.
+    void restore();
+    void translate(Point by);
+    // Narrows the clip to its intersection with `rect`, edges rounded outwards to device pixels.
+    void clip(const Rect& rect);
+    // The clip in logical coordinates of the current transform, to skip what cannot be seen.
+    Rect clipBounds() const;
+    float scale() const { return scale_; }
+
+    // The nearest logical coordinate that lies on a device pixel's edge, for crisp edges. Separate
+    // for each axis, because the translation may put the origin between pixels.
+    float snapX(float x) const;
+    float snapY(float y) const;
+    Rect snap(const Rect& rect) const;
+
+    // Non-zero winding. Axis-aligned snapped rectangles take a fast way.
+    void fill(const Path& path, const Paint& paint);
+    void fillRect(const Rect& rect, const Paint& paint);
+    void fillRoundRect(const Rect& rect, float radius, const Paint& paint);
+    void stroke(const Path& path, const Stroke& stroke, const Paint& paint);
+    // A frame of `width` inside the rectangle's edge.
+    void strokeRoundRect(const Rect& rect, float radius, float width, const Paint& paint);
+    void line(Point from, Point to, float width, const Paint& paint);
+
+    // One line of UTF-8 text; `baseline` is rounded to a device row. Unknown characters and broken
+    // bytes draw a box. Returns the advance.
+    float text(std::string_view utf8, Point baseline, const TextStyle& style, Color color);
+    // Centred vertically by the capital height, cut with an ellipsis when it does not fit.
+    void textIn(std::string_view utf8, const Rect& box, const TextStyle& style, Color color,
+                Align align = Align::left);
+    float textWidth(std::string_view utf8, const TextStyle& style) const;
+
+    // Scaled to the box with a box filter on the way down.
+    void image(const Image& source, const Rect& box, float opacity = 1.0f);
+
+private:
+    struct State {
+        Point offset; // device pixels
+        Rect clip;    // device pixels, whole
+    };
+
+    Point toDevice(Point p) const;
+    const State& state() const { return states_.back(); }
+
+    Image& target_;
+    GlyphCache& glyphs_;
+    float scale_;
+    std::vector<State> states_;
+};
+
+} // namespace tolm::gui

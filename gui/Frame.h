@@ -1,0 +1,123 @@
+#pragma once
+// The root of a window's views: routes input, knows who has the mouse and the focus, keeps overlays
+// (menus, sheets, messages, tooltips) above the content, and paints what is dirty. Independent of
+// any system; a Window feeds it.
+
+#include "gui/View.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace tolm::gui {
+
+// What a frame asks of its window.
+class FrameHost {
+public:
+    virtual ~FrameHost() = default;
+    // Seconds on a steady clock; tests move it by hand.
+    virtual double now() const = 0;
+    // Keys are taken from the host only while this is on.
+    virtual void wantKeys(bool want) = 0;
+    virtual void setCursor(Cursor cursor) = 0;
+    virtual void copyToClipboard(const std::string& utf8) = 0;
+    // Answers at once or later, or never when nobody has text.
+    virtual void pasteFromClipboard(std::function<void(const std::string& utf8)> receive) = 0;
+};
+
+class Frame {
+public:
+    // `size` is logical and fixed; `scale` device pixels per logical one.
+    Frame(FrameHost& host, Point size, float scale);
+    ~Frame();
+    Frame(const Frame&) = delete;
+    Frame& operator=(const Frame&) = delete;
+
+    FrameHost& host() { return host_; }
+    Point size() const { return size_; }
+    float scale() const { return scale_; }
+    // Everything is painted again.
+    void setScale(float scale);
+    // The view that fills the frame; owns the content.
+    View& content() { return *content_; }
+
+    // Shows a view above all others. A modal one takes all input until it goes; otherwise a press
+    // outside of it dismisses it (View::captureLost is not called; `dismissed` is).
+    struct OverlayOptions {
+        bool modal = false;
+        bool takesInput = true; // false: a tooltip
+        std::function<void()> dismissed;
+    };
+    View& showOverlay(std::unique_ptr<View> overlay, OverlayOptions options);
+    // Takes it down. It lives on until the end of the pump, so that a handler inside it may call
+    // this. Other views are ignored.
+    void dismissOverlay(View& overlay);
+    void dismissAllOverlays();
+    bool hasOverlay() const { return !overlays_.empty(); }
+
+    void setFocus(View* view);
+    View* focus() const { return focus_; }
+    View* hovered() const { return hovered_; }
+    View* captured() const { return capture_; }
+    // Keyboard mode: Tab and arrow keys move and change controls; off, keys stay with the host
+    // unless a view with text asks for them.
+    void setKeyboardMode(bool on);
+    bool keyboardMode() const { return keyboardMode_; }
+    void requestKeys(View& view, bool want);
+    // From now on the view's animate() is called once a pump, until it answers false.
+    void animate(View& view);
+    // Runs after the current event, outside of any view's handler.
+    void later(std::function<void()> task);
+
+    // Input, frame coordinates (logical).
+    void mouseDown(MouseEvent event);
+    void mouseMoved(MouseEvent event);
+    void mouseUp(MouseEvent event);
+    void mouseLeft();
+    void mouseWheel(WheelEvent event);
+    // False when nobody wanted it: it belongs to the host.
+    bool keyDown(const KeyEvent& event);
+
+    // After the input of a pump: runs tasks, animations and the tooltip's clock, empties the
+    // graveyard.
+    void tick();
+    void invalidate(const Rect& rect) { dirty_.add(rect); }
+    bool isDirty() const { return !dirty_.isEmpty(); }
+    // Paints the dirty parts into the image (which has the frame's device size) and answers which
+    // device rectangles changed.
+    std::vector<Rect> paint(Image& image, GlyphCache& glyphs);
+
+private:
+    friend class View;
+    void forget(View& view);
+    struct Overlay {
+        std::unique_ptr<View> view;
+        OverlayOptions options;
+    };
+    View* target(Point inFrame);
+    void hover(View* view);
+    void showTooltip();
+    void hideTooltip();
+    void moveFocus(bool forwards);
+
+    FrameHost& host_;
+    Point size_;
+    float scale_;
+    std::unique_ptr<View> content_;
+    std::vector<Overlay> overlays_;
+    std::vector<std::unique_ptr<View>> graveyard_;
+    std::vector<std::function<void()>> tasks_;
+    std::vector<View*> animated_;
+    DirtyRegion dirty_;
+    View* capture_ = nullptr;
+    View* hovered_ = nullptr;
+    View* focus_ = nullptr;
+    View* keyTaker_ = nullptr;
+    View* tooltip_ = nullptr;
+    double restingSince_ = 0.0;
+    Point pointer_;
+    bool keyboardMode_ = false;
+};
+
+} // namespace tolm::gui
