@@ -123,17 +123,25 @@ void ampEnvelope(benchmark::State& state)
     report(state, "ns/frame", kFrames);
 }
 
+// All voices, as a call of the engine has them.
 void control(benchmark::State& state, int rows)
 {
-    VoiceRig v({});
+    EngineRig rig(kRateHz);
+    rig.set(kPolyphony, 1.0f);
     for (int row = 1; row <= rows; ++row)
-        v.rig.setRow(row, 13 + row % 3, 1 + row % 8, 0.05);
-    v.rig.engine.startBlock(kFrames);
+        rig.setRow(row, 13 + row % 3, 1 + row % 8, 0.05);
+    for (int key = 30; key < 30 + kVoiceCount; ++key)
+        rig.on(key);
+    rig.render(kFrames * 4);
+    rig.engine.startBlock(kFrames);
+    const auto controls = std::make_unique<PerVoice<VoiceControl>>();
     for (auto _ : state) {
-        v.renewControl();
-        benchmark::DoNotOptimize(&v.control);
+        CallContext call = beginCall(rig.engine.record(), rig.engine, kDefaultTempo, kFrames);
+        for (std::size_t voice = 0; voice < kVoiceCount; ++voice)
+            controlVoice(call, voice, (*controls)[voice]);
+        benchmark::DoNotOptimize(controls.get());
     }
-    report(state, "ns/voice/call", 1.0);
+    report(state, "ns/voice/call", kVoiceCount);
 }
 
 // A pattern that plays at every step, a block of 512 frames at a time.

@@ -310,12 +310,19 @@ void setEnvelopes(EngineRecord& r, std::size_t voice, const VoiceModulation& m,
 CallContext beginCall(EngineRecord& r, const Module& module, double tempo, int frames)
 {
     const float perFrame = 1.0f / static_cast<float>(frames);
-    CallContext call{r,        module, tempo, frames,
-                     perFrame, {},     {},    kPhaseTurn / module.sampleRateHz()};
+    CallContext call{r,
+                     module,
+                     tempo,
+                     frames,
+                     perFrame,
+                     {},
+                     {},
+                     kPhaseTurn / module.sampleRateHz(),
+                     modulationFromSettings(r)};
     for (std::size_t n = 0; n < kLfoCount; ++n) {
         LfoSettings& lfo = r.lfo[n];
-        lfo.rateHz = lfoRateHz(lfo, lfo.rate, tempo);
-        call.lfoIncrement[n] = lfoIncrement(lfo.rateHz, module.sampleRateHz());
+        call.lfoIncrement[n] =
+            lfoFrequency(lfo.frequency, lfo, lfo.rate, tempo, module.sampleRateHz()).increment;
     }
     call.resonance = {r.previousResonance, (r.resonance - r.previousResonance) * perFrame};
     return call;
@@ -326,7 +333,7 @@ void controlVoice(CallContext& call, std::size_t voice, VoiceControl& control)
     EngineRecord& r = call.r;
     VoiceSlot& slot = r.slot[voice];
     const double rate = call.module.sampleRateHz();
-    VoiceModulation m = modulationFromSettings(r);
+    VoiceModulation m = call.settings;
     for (std::size_t n = 0; n < kLfoCount; ++n) {
         // A rate that a row moves is known only after this reading: the last call's stands in.
         const bool moved = r.voiceNote[voice].age != 0 && slot.lfoIncrement[n] != 0;
@@ -338,8 +345,10 @@ void controlVoice(CallContext& call, std::size_t voice, VoiceControl& control)
         control.lfoIncrement[n] = call.lfoIncrement[n];
         slot.lfoIncrement[n] = 0;
         if (m.lfoRateModulated[n]) {
-            const float hz = lfoRateHz(r.lfo[n], toFloat(m.lfoRate[n]), call.tempo);
-            control.lfoIncrement[n] = slot.lfoIncrement[n] = lfoIncrement(hz, rate);
+            control.lfoIncrement[n] = slot.lfoIncrement[n] =
+                lfoFrequency(slot.lfoFrequency[n], r.lfo[n], toFloat(m.lfoRate[n]), call.tempo,
+                             rate)
+                    .increment;
         }
     }
     setEnvelopes(r, voice, m, control);

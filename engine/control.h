@@ -141,7 +141,8 @@ struct CallContext {
     float perFrame;                                      // 1 / frames
     std::array<std::uint32_t, kLfoCount> lfoIncrement{}; // without modulation
     Ramp resonance;
-    double phaseScale = 0.0; // 2^32 / sample rate
+    double phaseScale = 0.0;  // 2^32 / sample rate
+    VoiceModulation settings; // what every voice starts from
 };
 
 CallContext beginCall(EngineRecord& r, const Module& module, double tempo, int frames);

@@ -76,6 +76,16 @@ float lfoRateHz(const LfoSettings& lfo, float rate, double tempo)
     return static_cast<float>(tempo / (kSecondsPerSixtyFourth * length));
 }
 
+const LfoFrequency& lfoFrequency(LfoFrequency& known, const LfoSettings& lfo, float rate,
+                                 double tempo, double sampleRateHz)
+{
+    if (!known.isFor(rate, lfo.sync, tempo, sampleRateHz)) {
+        const float hz = lfoRateHz(lfo, rate, tempo);
+        known = {rate, lfo.sync, tempo, sampleRateHz, hz, lfoIncrement(hz, sampleRateHz)};
+    }
+    return known;
+}
+
 std::uint32_t lfoIncrement(float hz, double sampleRateHz)
 {
     const double increment = static_cast<double>(hz) * kPhaseTurn / sampleRateHz;

@@ -13,6 +13,9 @@ void refreshLfoTables(EngineRecord& r);
 // 0.1 * 1000^rate Hz, or the synchronised length that the rate selects at `tempo` beats per minute.
 float lfoRateHz(const LfoSettings& lfo, float rate, double tempo);
 std::uint32_t lfoIncrement(float hz, double sampleRateHz);
+// Both for a normalised rate, computed anew when anything differs from what is known.
+const LfoFrequency& lfoFrequency(LfoFrequency& known, const LfoSettings& lfo, float rate,
+                                 double tempo, double sampleRateHz);
 
 // Value -1..1 for a voice at the start of an engine call, fade-in included. A random shape draws
 // when the voice is in its first call or its phase wraps during this one, and moves toward the

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
 #include <span>
 
@@ -448,6 +449,7 @@ void refreshMatrix(EngineRecord& r)
     ActiveRows active;
     for (std::size_t i = kMatrixRows; i-- > 0;) {
         const MatrixRow& row = r.matrix[i];
+        active.amounts[i] = row.amount;
         if (row.source == 0)
             continue;
         const bool knownSource = row.source < kSourceCount;
@@ -459,10 +461,32 @@ void refreshMatrix(EngineRecord& r)
             static_cast<std::uint8_t>(destination), voiceMask(row.voices)};
         active.scalesAmounts = active.scalesAmounts || scales;
         active.usesModEnvelope = active.usesModEnvelope || row.source == kModEnvelopeSource;
+        active.sources |= knownSource ? 1u << row.source : 0u;
     }
     r.activeRows = active;
     r.matrixStale = false;
 }
+
+// Values of the sources in use, each read once. All but the mod envelope stay what they are while
+// rows are applied; that one depends on rows that move its attack.
+class SourceValues {
+public:
+    SourceValues(const Context& c, std::uint32_t used) : context_(c)
+    {
+        for (std::uint32_t rest = used & ~(1u << kModEnvelopeSource); rest != 0; rest &= rest - 1) {
+            const auto id = static_cast<std::size_t>(std::countr_zero(rest));
+            value_[id] = kSourceOfId[id]->value(c);
+        }
+    }
+    double operator[](std::uint8_t id) const
+    {
+        return id == kModEnvelopeSource ? modEnvelope(context_) : value_[id];
+    }
+
+private:
+    const Context& context_;
+    std::array<double, kSourceCount> value_; // only those in use are set
+};
 
 void evaluateMatrix(CallContext& call, std::size_t voice, VoiceModulation& modulation)
 {
@@ -470,28 +494,30 @@ void evaluateMatrix(CallContext& call, std::size_t voice, VoiceModulation& modul
     const ActiveRows& active = r.activeRows;
     if (active.count == 0)
         return;
-    std::array<double, kMatrixRows> amount;
-    for (std::size_t i = 0; i < amount.size(); ++i)
-        amount[i] = r.matrix[i].amount;
     const std::uint32_t stackNumber = r.voiceUnisonIndex[voice];
     Context c{r, call, voice, modulation, r.voiceNote[voice].age == 0, 0};
     modulation.usesModEnvelope = active.usesModEnvelope;
     const std::span rows(active.rows.data(), static_cast<std::size_t>(active.count));
+    const SourceValues source(c, active.sources);
 
+    std::array<double, kMatrixRows> scaledAmounts;
+    const double* amount = active.amounts.data();
     if (active.scalesAmounts) {
+        scaledAmounts = active.amounts;
+        amount = scaledAmounts.data();
         for (const ActiveRow& row : rows) {
             const int target = row.destination - kFirstAmountDestination;
             if (target < 0 || target >= kMatrixRows || !admits(row, stackNumber) || row.source == 0)
                 continue;
-            double& scaled = amount[static_cast<std::size_t>(target)];
-            scaled = std::clamp(scaled * amount[row.row] * kSourceOfId[row.source]->value(c),
-                                -kLargestAmount, kLargestAmount);
+            double& scaled = scaledAmounts[static_cast<std::size_t>(target)];
+            scaled = std::clamp(scaled * amount[row.row] * source[row.source], -kLargestAmount,
+                                kLargestAmount);
         }
     }
     for (const ActiveRow& row : rows) {
         if (row.source == 0)
             continue;
-        const double s = kSourceOfId[row.source]->value(c);
+        const double s = source[row.source];
         const Effect effect = kEffectOfId[row.destination];
         if (effect == nullptr || !admits(row, stackNumber))
             continue;

@@ -89,6 +89,21 @@ struct CombLine {
     }
 };
 
+// How fast an LFO turns, kept for as long as nothing that it depends on changes.
+struct LfoFrequency {
+    float rate = -1.0f; // normalised; negative: not known yet
+    bool sync = false;
+    double tempo = 0.0;
+    double sampleRateHz = 0.0;
+    float hz = 0.0f;
+    std::uint32_t increment = 0; // per frame
+
+    bool isFor(float r, bool s, double t, double sr) const
+    {
+        return rate == r && sync == s && tempo == t && sampleRateHz == sr;
+    }
+};
+
 // What the render keeps of a voice from call to call. Phases are 32-bit turns.
 struct VoiceSlot {
     std::uint32_t osc1Phase = 0;
@@ -103,6 +118,7 @@ struct VoiceSlot {
     std::array<std::uint32_t, kLfoCount> lfoIncrement{}; // of the previous call
 
     // Powers are recomputed only when what they depend on has changed.
+    std::array<LfoFrequency, kLfoCount> lfoFrequency{}; // where rows move the rate
     std::array<FatFactors, kMainOscillators> fat{};
     double levelExponent = 0.0;
     double levelFactor = 1.0; // 10^levelExponent
@@ -152,7 +168,7 @@ struct LfoSettings {
     float sineExponent = 1.0f;
     float smoothing = 1.0f; // of "S+H", per engine call
     float fadeSeconds = 0.0f;
-    float rateHz = 0.1f;
+    LfoFrequency frequency; // of the setting
     bool sync = false;
     bool keyReset = false;
     bool tableStale = true;                    // shape or skew changed since the table was built
@@ -184,9 +200,11 @@ struct ActiveRow {
 
 struct ActiveRows {
     std::array<ActiveRow, kMatrixRows> rows{};
+    std::array<double, kMatrixRows> amounts{}; // of all rows, by row number
     int count = 0;
     bool scalesAmounts = false; // some row has an "MM Amount" destination
     bool usesModEnvelope = false;
+    std::uint32_t sources = 0; // bit per source in use
 };
 
 // Two lines that meet at (knee, 1 - knee).

@@ -152,7 +152,7 @@ TEST(Lfo, resetStartsThePhaseWithTheNoteAndOnlyThen)
         rig.render(1, 1);
         const std::uint32_t start = reset ? 0u : 0x40000000u;
         EXPECT_EQ(rig.slot().lfoPhase[0],
-                  start + stepOfHz(static_cast<double>(rig.record().lfo[0].rateHz)));
+                  start + stepOfHz(static_cast<double>(rig.record().lfo[0].frequency.hz)));
     }
 }
 
