@@ -1,8 +1,7 @@
 #include "engine/envelope.h"
 
-#include "engine/unroll.h"
-
 #include <algorithm>
+#include <array>
 
 namespace tolm {
 
@@ -13,15 +12,23 @@ constexpr float kAttackEnd = 0.9f;
 constexpr float kModSustainLimit = 0.9999f;
 constexpr float kModSustainFull = 1.00001f;
 
-// Levels of a falling run that starts at `level`: each frame is the one before times `factor`.
-float fall(float level, float factor, std::span<float> levels)
+// A run of powers: `value` times `factor`, `factor`^2 and so on. Eight powers are known beforehand,
+// so that only one multiplication in eight waits for the one before it.
+void powers(float value, float factor, std::span<float> out)
 {
-    TOLM_UNROLL
-    for (float& out : levels) {
-        level *= factor;
-        out = level;
+    constexpr std::size_t kRun = 8;
+    std::array<float, kRun> power;
+    power[0] = factor;
+    for (std::size_t k = 1; k < kRun; ++k)
+        power[k] = power[k - 1] * factor;
+    std::size_t i = 0;
+    for (; i + kRun <= out.size(); i += kRun) {
+        for (std::size_t k = 0; k < kRun; ++k)
+            out[i + k] = value * power[k];
+        value = out[i + kRun - 1];
     }
-    return level;
+    for (std::size_t k = 0; i < out.size(); ++i, ++k)
+        out[i] = value * power[k];
 }
 
 bool isAttackEnd(float level)
@@ -44,12 +51,9 @@ std::size_t framesUntil(std::span<const float> levels, Ends ends)
 // Levels of an attack, each after its step. Answers how many frames belong to it.
 std::size_t climb(float& level, float factor, std::span<float> levels)
 {
-    float distance = 1.0f - level;
-    TOLM_UNROLL
-    for (float& out : levels) {
-        distance *= factor;
-        out = 1.0f - distance;
-    }
+    powers(1.0f - level, factor, levels);
+    for (float& out : levels)
+        out = 1.0f - out;
     const std::size_t frames = framesUntil(levels, isAttackEnd);
     level = levels[frames - 1];
     return frames;
@@ -59,23 +63,18 @@ std::size_t climb(float& level, float factor, std::span<float> levels)
 // the level after the last step.
 float fallBefore(float level, float factor, std::span<float> levels)
 {
-    TOLM_UNROLL
-    for (float& out : levels) {
-        out = level;
-        level *= factor;
-    }
-    return level;
+    if (levels.empty())
+        return level;
+    levels[0] = level;
+    powers(level, factor, levels.subspan(1));
+    return levels.back() * factor;
 }
 
 std::size_t climbBefore(float& level, float& next, float factor, std::span<float> levels)
 {
-    float distance = 1.0f - level;
-    TOLM_UNROLL
-    for (float& out : levels) {
-        out = 1.0f - distance;
-        distance *= factor;
-    }
-    next = 1.0f - distance;
+    next = 1.0f - fallBefore(1.0f - level, factor, levels);
+    for (float& out : levels)
+        out = 1.0f - out;
     const std::size_t frames = framesUntil(levels, isAttackEnd);
     level = levels[frames - 1];
     return frames;
@@ -123,7 +122,7 @@ void runAmpEnvelope(EnvelopeState& state, const EnvelopeCoefficients& c, std::ui
         rest = rest.subspan(held);
     }
     if (state.stage == EnvelopeStage::decay && !rest.empty()) {
-        fall(state.level, c.decay, rest);
+        powers(state.level, c.decay, rest);
         // The decay stops at the first frame below the sustain level.
         const auto isBelow = [&](float x) { return c.sustain > x; };
         if (isBelow(rest.back()))
@@ -132,10 +131,13 @@ void runAmpEnvelope(EnvelopeState& state, const EnvelopeCoefficients& c, std::ui
         state.level = rest[frames - 1];
         rest = rest.subspan(frames);
     }
+    if (rest.empty())
+        return;
     if (state.stage == EnvelopeStage::release)
-        state.level = fall(state.level, c.release, rest);
+        powers(state.level, c.release, rest);
     else
         std::fill(rest.begin(), rest.end(), state.level);
+    state.level = rest.back();
 }
 
 void runFilterEnvelope(EnvelopeState& state, const EnvelopeCoefficients& c, std::span<float> levels)
