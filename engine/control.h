@@ -82,7 +82,7 @@ struct EnvelopeCoefficients {
 
 struct OscillatorControl {
     OscillatorShape shape = OscillatorShape::saw;
-    const std::int16_t* table = nullptr;   // 2048 entries
+    const std::int16_t* table = nullptr;   // 2048 entries and a guard
     const std::int16_t* partner = nullptr; // wavetable: the next wave
     std::int32_t blend = 0;                // share of the partner, 0..1023
     std::uint32_t increment = 0;

@@ -1,8 +1,7 @@
 #include "engine/oscillator.h"
 
 #include "engine/syncOscillator.h"
-#include "engine/tableReader.h"
-#include "engine/unroll.h"
+#include "engine/tableRun.h"
 
 #include <algorithm>
 #include <array>
@@ -56,52 +55,17 @@ std::int32_t readOscillator(const Reader& reader, const OscillatorControl& o,
 
 // ---- Unmodulated oscillators: a whole slice at a time ----------------------------------------
 //
-// With a constant increment all phases of a slice are known beforehand. Index arithmetic, table
-// reads and interpolation then run as loops of their own, of which the first and last vectorise.
 // The samples are those of readOscillator.
-
-using IntBuffer = std::array<std::int32_t, kMaxSliceFrames>;
-
-// Values at `phase + offset`, interpolated with the fraction of `phase`.
-template <int bits>
-void readTable(const std::int16_t* table, std::uint32_t phase, std::uint32_t increment,
-               std::uint32_t offset, int frames, std::int32_t* __restrict out)
-{
-    IntBuffer index;
-    IntBuffer next;
-    IntBuffer fraction;
-    for (int i = 0; i < frames; ++i) {
-        const std::uint32_t at = phase + increment * static_cast<std::uint32_t>(i);
-        const std::uint32_t entry = tableIndex(at + offset);
-        index[static_cast<std::size_t>(i)] = static_cast<std::int32_t>(entry);
-        next[static_cast<std::size_t>(i)] = static_cast<std::int32_t>((entry + 1) & kTableMask);
-        fraction[static_cast<std::size_t>(i)] = tableFraction<bits>(at);
-    }
-    IntBuffer from;
-    IntBuffer to;
-    TOLM_UNROLL
-    for (std::size_t i = 0; i < static_cast<std::size_t>(frames); ++i) {
-        from[i] = table[index[i]];
-        to[i] = table[next[i]];
-    }
-    for (int i = 0; i < frames; ++i) {
-        const auto k = static_cast<std::size_t>(i);
-        out[i] = from[k] + (to[k] - from[k]) * fraction[k] / (1 << bits);
-    }
-}
 
 template <int bits>
 void readShape(const OscillatorControl& o, std::uint32_t phase, std::uint32_t offset, int frames,
-               std::int32_t* __restrict out)
+               IntBuffer& out)
 {
-    readTable<bits>(o.table, phase, o.increment, offset, frames, out);
-    if (o.shape != OscillatorShape::wavetable || o.blend == 0)
-        return;
-    IntBuffer partner;
-    readTable<bits>(o.partner, phase, o.increment, offset, frames, partner.data());
-    const std::int32_t blend = o.blend;
-    for (int i = 0; i < frames; ++i)
-        out[i] = (out[i] * (1024 - blend) + partner[static_cast<std::size_t>(i)] * blend) / 1024;
+    const TableRun run{phase, o.increment, offset, frames};
+    if (o.shape == OscillatorShape::wavetable && o.blend != 0)
+        readRun<bits>(BlendedTables{o.table, o.partner, o.blend}, run, out);
+    else
+        readRun<bits>(SingleTable{o.table}, run, out);
 }
 
 // Sum of the six fat voices, read without interpolation: two runs of three, whose phases and
@@ -160,10 +124,10 @@ void renderUnmodulated(const OscillatorControl& o, std::uint32_t& phase,
 {
     const int frames = static_cast<int>(out.size());
     IntBuffer value;
-    readShape<bits>(o, phase, 0, frames, value.data());
+    readShape<bits>(o, phase, 0, frames, value);
     if (o.shape == OscillatorShape::pulse) {
         IntBuffer shifted;
-        readShape<bits>(o, phase, o.pulseOffset, frames, shifted.data());
+        readShape<bits>(o, phase, o.pulseOffset, frames, shifted);
         for (std::size_t i = 0; i < out.size(); ++i)
             value[i] -= shifted[i];
     }

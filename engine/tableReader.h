@@ -24,7 +24,7 @@ template <int bits>
 std::int32_t interpolate(const std::int16_t* table, std::uint32_t index, std::int32_t fraction)
 {
     const std::int32_t a = table[index];
-    const std::int32_t b = table[(index + 1) & kTableMask];
+    const std::int32_t b = table[index + 1]; // every table has a guard entry
     return a + (b - a) * fraction / (1 << bits);
 }
 

@@ -12,7 +12,9 @@
 
 namespace tolm {
 
-using Wave = std::array<std::int16_t, kTableSize>;
+// One cycle and a guard: entry 2048 repeats entry 0, so that an entry and its next lie side by
+// side.
+using Wave = std::array<std::int16_t, kTableSize + 1>;
 
 inline constexpr int kResidualOffsets = 128; // sub-sample positions
 inline constexpr int kResidualFrames = 32;

@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <complex>
+#include <span>
 #include <vector>
 
 namespace tolm {
@@ -41,7 +42,7 @@ inline std::vector<std::complex<double>> harmonics(const Wave& wave, int limit)
 inline double remainder(const Wave& wave, const std::vector<std::complex<double>>& spectrum)
 {
     double power = 0.0;
-    for (std::int16_t value : wave)
+    for (std::int16_t value : std::span(wave).first(kTableSize))
         power += static_cast<double>(value) * value / kTableSize;
     for (const auto& level : spectrum)
         power -= 0.5 * std::norm(level);

@@ -43,8 +43,9 @@ double peak(const Signal& signal)
 Wave quantise(const Signal& signal, double gain)
 {
     Wave wave{};
-    for (std::size_t i = 0; i < wave.size(); ++i)
+    for (std::size_t i = 0; i < kTableSize; ++i)
         wave[i] = static_cast<std::int16_t>(std::lround(signal[i] * gain));
+    wave[kTableSize] = wave[0];
     return wave;
 }
 

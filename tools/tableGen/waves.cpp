@@ -176,7 +176,7 @@ Wave quantised(const Spectrum& spectrum, const char* name)
 {
     Wave wave{};
     const auto signal = samples(spectrum);
-    for (std::size_t i = 0; i < wave.size(); ++i) {
+    for (std::size_t i = 0; i < kTableSize; ++i) {
         const long value = std::lround(signal[i]);
         if (std::labs(value) > 32767) {
             std::fprintf(stderr, "tolm-tables: wave \"%s\" is over full scale\n", name);
@@ -184,6 +184,7 @@ Wave quantised(const Spectrum& spectrum, const char* name)
         }
         wave[i] = static_cast<std::int16_t>(value);
     }
+    wave[kTableSize] = wave[0];
     return wave;
 }
 
