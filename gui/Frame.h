@@ -3,6 +3,7 @@
 // (menus, sheets, messages, tooltips) above the content, and paints what is dirty. Independent of
 // any system; a Window feeds it.
 
+#include "gui/Style.h"
 #include "gui/View.h"
 
 #include <functional>
@@ -41,12 +42,18 @@ public:
     void setScale(float scale);
     // The view that fills the frame; owns the content.
     View& content() { return *content_; }
+    // What overlays look like. Set it before the first of them is shown.
+    const Style& style() const { return style_; }
+    void setStyle(const Style& style) { style_ = style; }
 
-    // Shows a view above all others. A modal one takes all input until it goes; otherwise a press
-    // outside of it dismisses it (View::captureLost is not called; `dismissed` is).
+    // Shows a view above all others, its bounds in frame coordinates. A modal one takes all input
+    // until it goes; otherwise a press outside of it dismisses it and does nothing else. A mouse
+    // capture ends when an overlay with input appears; the release then goes to the view under the
+    // pointer, so that a menu can be used with one press.
     struct OverlayOptions {
         bool modal = false;
         bool takesInput = true; // false: a tooltip
+        // Called after it went by a press outside or by dismissAllOverlays, not by dismissOverlay.
         std::function<void()> dismissed;
     };
     View& showOverlay(std::unique_ptr<View> overlay, OverlayOptions options);
@@ -54,7 +61,11 @@ public:
     // this. Other views are ignored.
     void dismissOverlay(View& overlay);
     void dismissAllOverlays();
-    bool hasOverlay() const { return !overlays_.empty(); }
+    // One that takes input, that is no tooltip.
+    bool hasOverlay() const;
+    // Takes a view that was removed from its parent and destroys it at the end of the pump, for
+    // handlers that remove the view in which they run.
+    void discard(std::unique_ptr<View> view);
 
     void setFocus(View* view);
     View* focus() const { return focus_; }
@@ -64,11 +75,14 @@ public:
     // unless a view with text asks for them.
     void setKeyboardMode(bool on);
     bool keyboardMode() const { return keyboardMode_; }
+    // For as long as the view wants, or until it leaves the frame.
     void requestKeys(View& view, bool want);
     // From now on the view's animate() is called once a pump, until it answers false.
     void animate(View& view);
     // Runs after the current event, outside of any view's handler.
     void later(std::function<void()> task);
+    // The same, but not when the owner has left the frame meanwhile.
+    void later(View& owner, std::function<void()> task);
 
     // Input, frame coordinates (logical).
     void mouseDown(MouseEvent event);
@@ -90,33 +104,65 @@ public:
 
 private:
     friend class View;
-    void forget(View& view);
     struct Overlay {
         std::unique_ptr<View> view;
         OverlayOptions options;
+        View* focusBefore = nullptr;
     };
+    struct Task {
+        View* owner = nullptr;
+        bool owned = false; // and dropped when the owner is gone
+        std::function<void()> run;
+    };
+    // A pointer to a view that becomes null when the view leaves the frame, as handlers may cause.
+    class Watch;
+
+    // The view is leaving: it ends what it was doing, then nothing here points to it.
+    void release(View& view);
+    void forget(View& view);
     View* target(Point inFrame);
+    // The topmost overlay with input, or null.
+    Overlay* topOverlay();
+    bool dismissedByPressAt(Point inFrame);
+    bool routeMouseDown(View* first, const MouseEvent& event);
+    void focusByPress(View* pressed);
+    bool routeKey(View* first, const KeyEvent& event);
+    std::unique_ptr<View> takeOverlay(std::size_t index);
+    void dropCapture();
     void hover(View* view);
-    void showTooltip();
+    void hoverAgain();
+    void tickTooltip(double now);
+    void showTooltip(const std::string& text, const Rect& anchor);
     void hideTooltip();
+    void runTasks();
+    void runAnimations(double now);
     void moveFocus(bool forwards);
+    void updateKeys();
+    void paintOne(Image& image, GlyphCache& glyphs, const Rect& rect);
 
     FrameHost& host_;
     Point size_;
     float scale_;
+    Style style_;
     std::unique_ptr<View> content_;
     std::vector<Overlay> overlays_;
     std::vector<std::unique_ptr<View>> graveyard_;
-    std::vector<std::function<void()>> tasks_;
+    std::vector<Task> tasks_;
     std::vector<View*> animated_;
+    std::vector<View*> keyTakers_;
     DirtyRegion dirty_;
+    std::vector<View*> watched_; // one for each running Watch
     View* capture_ = nullptr;
     View* hovered_ = nullptr;
     View* focus_ = nullptr;
-    View* keyTaker_ = nullptr;
     View* tooltip_ = nullptr;
+    MouseButton captureButton_ = MouseButton::none;
     double restingSince_ = 0.0;
     Point pointer_;
+    bool pointerInside_ = false;
+    bool hoverStale_ = false;
+    bool tooltipSpent_ = false;     // not again before the pointer leaves the view
+    bool overlayTookPress_ = false; // its release goes to whatever is under the pointer
     bool keyboardMode_ = false;
 };
 

@@ -56,8 +56,10 @@ public:
     void setVisible(bool visible);
     // Visible together with all its parents, and in a window.
     bool isShowing() const;
+    // A view that is not enabled, or inside one that is not, gets no input.
     bool isEnabled() const { return enabled_; }
     void setEnabled(bool enabled);
+    bool isInside(const View& ancestor) const;
     bool hasFocus() const;
     bool isHovered() const;
 
@@ -103,6 +105,8 @@ private:
     friend class Frame;
     void adopt(std::unique_ptr<View> child);
     void enter(Frame* frame);
+    void releaseAll();
+    bool takesInput() const;
     void paint(Canvas& canvas);
 
     Rect bounds_;

@@ -61,13 +61,13 @@ private:
         receive(clipboard_);
     }
 
-    Image image_;
-    GlyphCache glyphs_;
-    Frame frame_;
     double now_ = 0.0;
     bool keysWanted_ = false;
     Cursor cursor_ = Cursor::arrow;
     std::string clipboard_;
+    Image image_;
+    GlyphCache glyphs_;
+    Frame frame_; // last: views that go may still ask the host
 };
 
 } // namespace tolm::gui
