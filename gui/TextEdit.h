@@ -18,7 +18,7 @@ public:
     struct Options {
         bool multiLine = false;      // Enter makes a line; Ctrl+Enter commits
         std::size_t maxBytes = 4096; // UTF-8 bytes
-        bool keepsFocus = false;     // after Enter and Escape: search fields
+        bool keepsFocus = false;     // Enter commits and, like Escape, goes on to the parents
         std::string placeholder;     // shown while there is no text
         std::string spokenName;
     };

@@ -92,9 +92,9 @@ bool TextEdit::commandKey(const KeyEvent& event)
     if (event.key == Key::enter) {
         commit();
         finish();
-        return true;
+        return !options_.keepsFocus;
     }
-    if (event.key == Key::escape) {
+    if (event.key == Key::escape && !options_.keepsFocus) {
         const std::string restored = before_;
         setText(restored);
         if (cancelled)
