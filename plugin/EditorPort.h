@@ -7,6 +7,7 @@
 #include "patch/browser.h"
 #include "plugin/catalogue.h"
 
+#include <algorithm>
 #include <array>
 #include <bitset>
 #include <cstddef>
@@ -27,6 +28,7 @@ struct EditorNews {
     bool presetList = false;           // entries, names, selection or description
     bool everything = false;           // a chunk was loaded: all of it
     bool learnedController = false;
+    float wheelDistance = 0.0f; // of the mouse wheel, sent by hosts that keep it; upwards positive
 };
 
 // Small live values for meters and lights, read about 30 times a second.
@@ -47,16 +49,24 @@ struct EditorNotice {
 
 class FileSelector;
 
+// The wave 0..69 that a stored "Osc 1 Wave" or "Osc 2 Wave" chooses.
+inline int waveIndex(float value)
+{
+    const float unit = value > 0.0f ? std::min(value, 1.0f) : 0.0f;
+    return std::min(static_cast<int>(unit * 128.0f + 0.001f), kWaveCount - 1);
+}
+
 class EditorPort {
 public:
     virtual ~EditorPort() = default;
 
     // --- values ---------------------------------------------------------------------------
-    // The current program's stored value; for ids 329..348 what the editor last set, else 0.
+    // The current program's stored value; for ids 329..348 what was last set, 0 before. Id 346, the
+    // pitch wheel, follows incoming bends.
     virtual float value(int id) const = 0;
     // Stored and applied, and the editor is told.
     virtual void setParameter(int id, float value) = 0;
-    // The same without an echo to the editor.
+    // The same without an echo to the editor. A new effect order is heard at once.
     virtual void setParameterQuiet(int id, float value) = 0;
     // Stored, applied, told to the host and sent as a controller.
     virtual void setParameterAutomated(int id, float value) = 0;
@@ -93,7 +103,8 @@ public:
     virtual void rebuildPresetList() = 0;
     // 0 load bank, 1 save bank, 2 load program, 3 save program.
     virtual void fileDialog(int mode) = 0;
-    // The selector that fileDialog opens; null when the window closes.
+    // The selector that fileDialog opens; null when the window closes. While there is one, meters
+    // run and notes to the user wait in takeNotice instead of going elsewhere.
     virtual void useFileSelector(FileSelector* selector) = 0;
 
     // --- controllers --------------------------------------------------------------------------

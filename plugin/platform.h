@@ -2,9 +2,10 @@
 // What the plug-in asks of the operating system, as interfaces: each system has one implementation
 // and tests have theirs.
 
+#include "plugin/FileSelector.h"
+
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -44,22 +45,5 @@ public:
 
 // Writes to standard error.
 std::unique_ptr<MessageBox> systemMessageBox();
-
-// What a file selector shows and offers.
-struct FileRequest {
-    std::string title;
-    std::string extension; // without the dot; the only kind of file that is offered
-    std::string description;
-    std::string suggestedName;
-    bool saves = false;
-};
-
-class FileSelector {
-public:
-    virtual ~FileSelector() = default;
-    // Calls `chosen` at once or later, on the caller's thread; never when the user cancels.
-    virtual void choose(const FileRequest& request,
-                        std::function<void(const std::string& path)> chosen) = 0;
-};
 
 } // namespace tolm
