@@ -36,13 +36,17 @@ const std::vector<FolderRule> kRules = {
     {"fx/", true, {}},
     {"patch/", true, {}},
     {"engine/", true, {"fx/", "patch/programStore.h"}},
-    {"plugin/", true, {"vst2/", "engine/", "fx/", "patch/"}},
+    {"plugin/", true, {"vst2/", "engine/", "fx/", "patch/", "editor/ADEditor.h"}},
     // Windows and drawing know the operating system and nothing of the synth.
     {"gui/", false, {}},
+    // The editor knows programs and texts, and of the plug-in only what its port shows.
+    {"editor/",
+     true,
+     {"gui/", "patch/", "plugin/EditorPort.h", "plugin/FileSelector.h", "plugin/paramText.h"}},
     // Of the plug-in the host knows the interface, and how typed parameter texts are read.
     {"host/", false, {"vst2/abi.h", "plugin/paramText.h"}},
     // Auditioning sounds plays them through the plug-in's own core.
-    {"tools/", true, {"patch/", "plugin/", "engine/", "host/keyName.h"}},
+    {"tools/", true, {"patch/", "plugin/", "engine/", "editor/", "gui/", "host/keyName.h"}},
 };
 
 // Free to include anything.
@@ -200,6 +204,9 @@ TEST(House, aForbiddenIncludeWouldBeSeen)
     EXPECT_FALSE(allowed("host/", "vst2/AudioEffectX.h"));
     EXPECT_FALSE(allowed("host/", "plugin/catalogue.h"));
     EXPECT_FALSE(allowed("vst2/", "engine/constants.h"));
+    EXPECT_FALSE(allowed("editor/", "plugin/SynthCore.h"));
+    EXPECT_FALSE(allowed("gui/", "plugin/catalogue.h"));
+    EXPECT_FALSE(allowed("plugin/", "editor/actions.h"));
     EXPECT_TRUE(allowed("fx/", "engine/constants.h"));
     EXPECT_EQ(quotedInclude("#include \"engine/record.h\""), "engine/record.h");
     EXPECT_EQ(quotedInclude("#include <array>"), "");
