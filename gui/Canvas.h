@@ -8,10 +8,15 @@
 #include "gui/Path.h"
 #include "gui/geometry.h"
 
+#include <memory>
 #include <string_view>
 #include <vector>
 
 namespace tolm::gui {
+
+class Raster;
+struct DeviceRect;
+struct Transform;
 
 enum class Align : unsigned char { left, centre, right };
 
@@ -19,6 +24,7 @@ class Canvas {
 public:
     // Draws into `target` (which outlives the canvas) at `scale` device pixels per logical one.
     Canvas(Image& target, GlyphCache& glyphs, float scale);
+    ~Canvas();
     Canvas(const Canvas&) = delete;
     Canvas& operator=(const Canvas&) = delete;
 
@@ -55,7 +61,8 @@ public:
                 Align align = Align::left);
     float textWidth(std::string_view utf8, const TextStyle& style) const;
 
-    // Scaled to the box with a box filter on the way down.
+    // Scaled to the box, whose edges are rounded to device pixels, as scaleImage() does; costs
+    // little when nothing has to be scaled.
     void image(const Image& source, const Rect& box, float opacity = 1.0f);
 
 private:
@@ -65,12 +72,16 @@ private:
     };
 
     Point toDevice(Point p) const;
+    Transform transform() const;
+    DeviceRect deviceClip() const;
+    bool misses(const Rect& logical) const;
     const State& state() const { return states_.back(); }
 
     Image& target_;
     GlyphCache& glyphs_;
     float scale_;
     std::vector<State> states_;
+    std::unique_ptr<Raster> raster_;
 };
 
 } // namespace tolm::gui
