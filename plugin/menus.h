@@ -2,9 +2,12 @@
 // The tables behind menus: what a choice is called, the id that is stored for it and what it stands
 // for. Engine, sound compiler and editor iterate these rows; the order is the menus'.
 
+#include "engine/constants.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <span>
 
 namespace tolm {
@@ -221,6 +224,26 @@ inline constexpr VoiceMask kVoiceMaskMenu[] = {
     {25, "Odd", 0x55},
     {26, "Even", 0xAA},
 };
+
+// What the 70 waves are called, family by family.
+inline constexpr const char* kWaveNames[] = {
+    "Round", "Mellow", "Soft", "Warm", "Clear", "Full",
+    "Hollow Soft", "Hollow Warm", "Hollow Full", "Hollow Bright",
+    "Pulse 46", "Pulse 38", "Pulse 30", "Pulse 22", "Pulse 14", "Pulse 8",
+    "Organ Flute", "Organ Jazz", "Organ Octaves", "Organ Fifths", "Organ Whistle", "Organ Full",
+    "Organ Gospel",
+    "Voice A", "Voice E", "Voice I", "Voice O", "Voice U", "Voice Neutral", "Voice Singer",
+    "Marimba", "Xylophone", "Tine", "Glass", "Celesta", "Chime Keys",
+    "Eight Levels", "Four Levels", "Three Levels", "Sixteen Steps", "Eight Steps", "Folded",
+    "FM Horn", "FM Brass", "FM Reed", "FM Metal", "FM Wood", "FM Bell",
+    "Clarinet", "Nasal", "Bassoon", "Viola", "Bowed Body", "Brass",
+    "Sync 2.5", "Sync 3.5", "Sync 5.5", "Sync 8.5",
+    "Harp", "Clav",
+    "Church Bell", "Free Bar", "Gong",
+    "Sub Clang", "Sub Fifth",
+    "Breath", "Choir Air", "Growl", "Sheet Metal", "Wind",
+};
+static_assert(std::size(kWaveNames) == kWaveCount);
 
 // By category id; the two lists differ in wording for ids 5, 7 and 11.
 inline constexpr const char* kCategoryNames[] = {

@@ -1,6 +1,7 @@
 // The waves: one row each, in families whose neighbours cross-fade well: equal phases, equal
 // loudness, and a brightness that moves one way.
 
+#include "plugin/menus.h"
 #include "tools/tableGen/generators.h"
 #include "tools/tableGen/waveFamilies.h"
 
@@ -14,7 +15,6 @@ namespace tolm {
 namespace {
 
 struct WaveRow {
-    const char* name;
     Family* family;
     Numbers p;
 };
@@ -22,95 +22,95 @@ struct WaveRow {
 constexpr WaveRow kWaves[] = {
     // clang-format off
     // Additive slopes, from nearly a sine to a saw.
-    {"Round",           slopeFamily,     {6.0}},
-    {"Mellow",          slopeFamily,     {3.0}},
-    {"Soft",            slopeFamily,     {2.0}},
-    {"Warm",            slopeFamily,     {1.5}},
-    {"Clear",           slopeFamily,     {1.25}},
-    {"Full",            slopeFamily,     {1.0}},
+    {slopeFamily,     {6.0}},
+    {slopeFamily,     {3.0}},
+    {slopeFamily,     {2.0}},
+    {slopeFamily,     {1.5}},
+    {slopeFamily,     {1.25}},
+    {slopeFamily,     {1.0}},
     // Odd harmonics only.
-    {"Hollow Soft",     oddFamily,       {2.0, 1.0, 1.0}},
-    {"Hollow Warm",     oddFamily,       {1.5, 1.0}},
-    {"Hollow Full",     oddFamily,       {1.0, 1.0}},
-    {"Hollow Bright",   oddFamily,       {1.0, 7.0}},
+    {oddFamily,       {2.0, 1.0, 1.0}},
+    {oddFamily,       {1.5, 1.0}},
+    {oddFamily,       {1.0, 1.0}},
+    {oddFamily,       {1.0, 7.0}},
     // Pulses, from the square down to a needle.
-    {"Pulse 46",        pulseFamily,     {0.46}},
-    {"Pulse 38",        pulseFamily,     {0.38}},
-    {"Pulse 30",        pulseFamily,     {0.30}},
-    {"Pulse 22",        pulseFamily,     {0.22}},
-    {"Pulse 14",        pulseFamily,     {0.14}},
-    {"Pulse 8",         pulseFamily,     {0.08}},
+    {pulseFamily,     {0.46}},
+    {pulseFamily,     {0.38}},
+    {pulseFamily,     {0.30}},
+    {pulseFamily,     {0.22}},
+    {pulseFamily,     {0.14}},
+    {pulseFamily,     {0.08}},
     // Drawbar organs.
-    {"Organ Flute",     partialsFamily,  {1, 1.0, 2, 0.7}},
-    {"Organ Jazz",      partialsFamily,  {1, 1.0, 2, 0.9, 3, 0.9}},
-    {"Organ Octaves",   partialsFamily,  {1, 1.0, 2, 0.8, 4, 0.7, 8, 0.5}},
-    {"Organ Fifths",    partialsFamily,  {1, 1.0, 3, 0.8, 6, 0.6}},
-    {"Organ Whistle",   partialsFamily,  {1, 1.0, 2, 0.8, 3, 0.6, 16, 0.4}},
-    {"Organ Full",      partialsFamily,  {1, 1.0, 2, 0.9, 3, 0.8, 4, 0.7, 6, 0.6, 8, 0.5, 10, 0.4,
+    {partialsFamily,  {1, 1.0, 2, 0.7}},
+    {partialsFamily,  {1, 1.0, 2, 0.9, 3, 0.9}},
+    {partialsFamily,  {1, 1.0, 2, 0.8, 4, 0.7, 8, 0.5}},
+    {partialsFamily,  {1, 1.0, 3, 0.8, 6, 0.6}},
+    {partialsFamily,  {1, 1.0, 2, 0.8, 3, 0.6, 16, 0.4}},
+    {partialsFamily,  {1, 1.0, 2, 0.9, 3, 0.8, 4, 0.7, 6, 0.6, 8, 0.5, 10, 0.4,
                                           12, 0.35, 16, 0.3}},
-    {"Organ Gospel",    partialsFamily,  {1, 0.9, 3, 0.7, 4, 0.8, 6, 0.6, 8, 0.6, 12, 0.5}},
+    {partialsFamily,  {1, 0.9, 3, 0.7, 4, 0.8, 6, 0.6, 8, 0.6, 12, 0.5}},
     // Sung vowels: formants stay at their frequencies from octave to octave.
-    {"Voice A",         formantFamily,   {800, 80, 1150, 120, 2900, 160}},
-    {"Voice E",         formantFamily,   {400, 80, 1700, 120, 2600, 160}},
-    {"Voice I",         formantFamily,   {290, 80, 2150, 120, 2950, 160}},
-    {"Voice O",         formantFamily,   {450, 80, 800, 120, 2830, 160}},
-    {"Voice U",         formantFamily,   {330, 80, 700, 120, 2700, 160}},
-    {"Voice Neutral",   formantFamily,   {500, 80, 1500, 120, 2500, 160}},
-    {"Voice Singer",    formantFamily,   {800, 80, 1150, 120, 2800, 90, 3000, 90, 3200, 90}},
+    {formantFamily,   {800, 80, 1150, 120, 2900, 160}},
+    {formantFamily,   {400, 80, 1700, 120, 2600, 160}},
+    {formantFamily,   {290, 80, 2150, 120, 2950, 160}},
+    {formantFamily,   {450, 80, 800, 120, 2830, 160}},
+    {formantFamily,   {330, 80, 700, 120, 2700, 160}},
+    {formantFamily,   {500, 80, 1500, 120, 2500, 160}},
+    {formantFamily,   {800, 80, 1150, 120, 2800, 90, 3000, 90, 3200, 90}},
     // Bars and tines: a few partials far apart.
-    {"Marimba",         partialsFamily,  {1, 1.0, 4, 0.5, 10, 0.25}},
-    {"Xylophone",       partialsFamily,  {1, 1.0, 3, 0.6, 9, 0.4}},
-    {"Tine",            partialsFamily,  {1, 1.0, 2, 0.1, 14, 0.2}},
-    {"Glass",           partialsFamily,  {1, 1.0, 2, 0.5, 5, 0.6, 13, 0.4}},
-    {"Celesta",         partialsFamily,  {1, 1.0, 6, 0.5, 11, 0.4, 17, 0.3}},
-    {"Chime Keys",      partialsFamily,  {1, 1.0, 2, 0.6, 3, 0.35, 4, 0.3, 7, 0.5, 9, 0.4}},
+    {partialsFamily,  {1, 1.0, 4, 0.5, 10, 0.25}},
+    {partialsFamily,  {1, 1.0, 3, 0.6, 9, 0.4}},
+    {partialsFamily,  {1, 1.0, 2, 0.1, 14, 0.2}},
+    {partialsFamily,  {1, 1.0, 2, 0.5, 5, 0.6, 13, 0.4}},
+    {partialsFamily,  {1, 1.0, 6, 0.5, 11, 0.4, 17, 0.3}},
+    {partialsFamily,  {1, 1.0, 2, 0.6, 3, 0.35, 4, 0.3, 7, 0.5, 9, 0.4}},
     // Coarse digital sines.
-    {"Eight Levels",    quantisedFamily, {8}},
-    {"Four Levels",     quantisedFamily, {4}},
-    {"Three Levels",    quantisedFamily, {3}},
-    {"Sixteen Steps",   heldFamily,      {16}},
-    {"Eight Steps",     heldFamily,      {8}},
-    {"Folded",          foldedFamily,    {2.5}},
+    {quantisedFamily, {8}},
+    {quantisedFamily, {4}},
+    {quantisedFamily, {3}},
+    {heldFamily,      {16}},
+    {heldFamily,      {8}},
+    {foldedFamily,    {2.5}},
     // Frequency modulation: growing ratio, then growing distance of the side bands.
-    {"FM Horn",         fmFamily,        {1, 1.0}},
-    {"FM Brass",        fmFamily,        {1, 2.5}},
-    {"FM Reed",         fmFamily,        {2, 1.5}},
-    {"FM Metal",        fmFamily,        {3, 2.0}},
-    {"FM Wood",         fmFamily,        {5, 1.2}},
-    {"FM Bell",         fmFamily,        {7, 0.8}},
+    {fmFamily,        {1, 1.0}},
+    {fmFamily,        {1, 2.5}},
+    {fmFamily,        {2, 1.5}},
+    {fmFamily,        {3, 2.0}},
+    {fmFamily,        {5, 1.2}},
+    {fmFamily,        {7, 0.8}},
     // Reed, nasal, bowed and brass.
-    {"Clarinet",        reedFamily,      {1.1, 14.0}},
-    {"Nasal",           formantFamily,   {1100, 150, 3000, 300}},
-    {"Bassoon",         formantFamily,   {500, 120, 1200, 200}},
-    {"Viola",           formantFamily,   {700, 250, 1500, 300, 2600, 400}},
-    {"Bowed Body",      notchedFamily,   {1.0, 2.0, 5.0, 9.0, 15.0}},
-    {"Brass",           humpFamily,      {4.0, 1.3}},
+    {reedFamily,      {1.1, 14.0}},
+    {formantFamily,   {1100, 150, 3000, 300}},
+    {formantFamily,   {500, 120, 1200, 200}},
+    {formantFamily,   {700, 250, 1500, 300, 2600, 400}},
+    {notchedFamily,   {1.0, 2.0, 5.0, 9.0, 15.0}},
+    {humpFamily,      {4.0, 1.3}},
     // A sine under a falling window, as of a synchronised oscillator.
-    {"Sync 2.5",        windowedFamily,  {2.5}},
-    {"Sync 3.5",        windowedFamily,  {3.5}},
-    {"Sync 5.5",        windowedFamily,  {5.5}},
-    {"Sync 8.5",        windowedFamily,  {8.5}},
+    {windowedFamily,  {2.5}},
+    {windowedFamily,  {3.5}},
+    {windowedFamily,  {5.5}},
+    {windowedFamily,  {8.5}},
     // Plucked strings.
-    {"Harp",            pluckedFamily,   {1.0 / 5.0, 1.0 / 3.0}},
-    {"Clav",            pluckedFamily,   {1.0 / 8.0, 1.0 / 11.0}},
+    {pluckedFamily,   {1.0 / 5.0, 1.0 / 3.0}},
+    {pluckedFamily,   {1.0 / 8.0, 1.0 / 11.0}},
     // Bells: ten cycles, partials on a grid of tenths.
-    {"Church Bell",     bellFamily,      {0.5, 0.6, 1.0, 1.0, 1.2, 0.8, 1.5, 0.4, 2.0, 0.9, 2.5, 0.35,
+    {bellFamily,      {0.5, 0.6, 1.0, 1.0, 1.2, 0.8, 1.5, 0.4, 2.0, 0.9, 2.5, 0.35,
                                           2.7, 0.3, 3.0, 0.4, 4.2, 0.3, 5.4, 0.25}},
-    {"Free Bar",        bellFamily,      {1.0, 1.0, 2.8, 0.7, 5.4, 0.5, 8.9, 0.35, 13.3, 0.2}},
-    {"Gong",            bellFamily,      {1.0, 1.0, 1.4, 0.8, 1.8, 0.7, 2.3, 0.7, 2.9, 0.6, 3.6, 0.5,
+    {bellFamily,      {1.0, 1.0, 2.8, 0.7, 5.4, 0.5, 8.9, 0.35, 13.3, 0.2}},
+    {bellFamily,      {1.0, 1.0, 1.4, 0.8, 1.8, 0.7, 2.3, 0.7, 2.9, 0.6, 3.6, 0.5,
                                           4.7, 0.4, 6.1, 0.35}},
     // Two cycles: an octave below sounds along.
-    {"Sub Clang",       partialsFamily,  {1, 0.5, 2, 1.0, 3, 0.6, 4, 0.5, 5, 0.45, 7, 0.3}},
-    {"Sub Fifth",       partialsFamily,  {2, 1.0, 3, 0.8, 4, 0.5, 6, 0.5, 9, 0.35, 12, 0.25}},
+    {partialsFamily,  {1, 0.5, 2, 1.0, 3, 0.6, 4, 0.5, 5, 0.45, 7, 0.3}},
+    {partialsFamily,  {2, 1.0, 3, 0.8, 4, 0.5, 6, 0.5, 9, 0.35, 12, 0.25}},
     // Noisy: eight cycles, so the noise repeats three octaves below the note.
-    {"Breath",          breathFamily,    {1.2, 0.2}},
-    {"Choir Air",       airFamily,       {1.0, 0.25, 800, 120, 1150, 160, 2900, 220}},
-    {"Growl",           growlFamily,     {1.3, 0.6, 0.35}},
-    {"Sheet Metal",     denseFamily,     {0.8, 6.0}},
-    {"Wind",            windFamily,      {0.5}},
+    {breathFamily,    {1.2, 0.2}},
+    {airFamily,       {1.0, 0.25, 800, 120, 1150, 160, 2900, 220}},
+    {growlFamily,     {1.3, 0.6, 0.35}},
+    {denseFamily,     {0.8, 6.0}},
+    {windFamily,      {0.5}},
     // clang-format on
 };
-static_assert(std::size(kWaves) == kWaveCount);
+static_assert(std::size(kWaves) == std::size(kWaveNames));
 
 // Highest bin of each octave table. At the top of an octave the last ones fold down to no lower
 // than 18 kHz at 44.1 kHz.
@@ -197,7 +197,7 @@ void fillWaves(ConstantTables& tables)
         const auto spectra = levelledSpectra(row, cyclesOf(w));
         for (std::size_t octave = 0; octave < kWaveOctaves; ++octave)
             tables.waves[static_cast<std::size_t>(w)][octave] =
-                quantised(spectra[octave], row.name);
+                quantised(spectra[octave], kWaveNames[w]);
     }
     tables.waves[kWaveCount] = tables.waves[kWaveCount - 1];
 }
