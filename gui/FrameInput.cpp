@@ -107,7 +107,8 @@ void Frame::mouseMoved(MouseEvent event)
 {
     const bool moved = !(event.position == pointer_);
     pointer_ = event.position;
-    pointerInside_ = true;
+    // While a button is held, moves come from outside of the window too.
+    pointerInside_ = Rect{0.0f, 0.0f, size_.x, size_.y}.contains(pointer_);
     if (moved)
         restingSince_ = host_.now();
     if (capture_ != nullptr) {
