@@ -144,9 +144,10 @@ def weightBlock(path):
             name = cmap[code]
             rows.append((code, scaled(glyphs[name].width, font), kernBase(code),
                          outline(font, glyphs, name)))
-    for digit in range(10):
-        name = tabular[cmap[0x30 + digit]]
-        rows.append((TABULAR_ZERO + digit, scaled(glyphs[name].width, font), 0,
+    digits = [tabular[cmap[0x30 + digit]] for digit in range(10)]
+    for digit, name in enumerate(digits):
+        # The source's widths differ by a unit here and there.
+        rows.append((TABULAR_ZERO + digit, scaled(glyphs[digits[0]].width, font), 0,
                      outline(font, glyphs, name)))
     boxOutline, boxAdvance = box()
     rows.append((BOX, boxAdvance, 0, boxOutline))
