@@ -15,25 +15,26 @@ struct Raster::Scan {
     agg::rasterizer_scanline_aa<> rasterizer;
     agg::scanline_p8 line;
 
-    // Calls use(y, span) for every run; false when nothing is covered.
+    // Calls use(y, span) for every run within the rows of `clip`. Lines are cut at `bounds`, which
+    // moves them by fractions of a pixel; as they must not depend on the clip, that is larger.
     template <class Use>
-    bool sweep(const Polygons& polygons, const DeviceRect& clip, Use use)
+    void sweep(const Polygons& polygons, const DeviceRect& bounds, const DeviceRect& clip, Use use)
     {
-        rasterizer.clip_box(clip.left, clip.top, clip.right, clip.bottom);
+        rasterizer.clip_box(bounds.left, bounds.top, bounds.right, bounds.bottom);
         for (const Polygons::Chain& chain : polygons.chains())
             for (std::size_t i = chain.begin; i < chain.end; ++i) {
                 const DevicePoint p = polygons.points()[i];
                 i == chain.begin ? rasterizer.move_to_d(p.x, p.y) : rasterizer.line_to_d(p.x, p.y);
             }
-        if (!rasterizer.rewind_scanlines())
-            return false;
+        if (!rasterizer.rewind_scanlines() || rasterizer.max_y() < clip.top)
+            return;
+        rasterizer.navigate_scanline(std::max(clip.top, rasterizer.min_y()));
         line.reset(rasterizer.min_x(), rasterizer.max_x());
-        while (rasterizer.sweep_scanline(line)) {
+        while (rasterizer.sweep_scanline(line) && line.y() < clip.bottom) {
             auto span = line.begin();
             for (unsigned left = line.num_spans(); left > 0; --left, ++span)
                 use(line.y(), *span);
         }
-        return true;
     }
 };
 
@@ -77,17 +78,22 @@ int in256(double v)
 }
 
 // Light text on a dark ground looks thinner than it is, because coverage is mixed in sRGB; the
-// lighter the colour, the more its half-covered pixels are raised.
-std::array<std::uint8_t, 256> contrastFor(Color color)
-{
-    const int luma = (color.r * 54 + color.g * 183 + color.b * 19) >> 8;
-    std::array<std::uint8_t, 256> table{};
-    for (int c = 0; c < 256; ++c) {
-        const int raised = c + c * (255 - c) * luma * 2 / (5 * 255 * 255);
-        table[static_cast<std::size_t>(c)] = static_cast<std::uint8_t>(std::min(raised, 255));
+// lighter the colour, the more its half-covered pixels are raised: by up to a tenth of full.
+class Contrast {
+public:
+    explicit Contrast(Color color)
+    {
+        const int luma = (color.r * 54 + color.g * 183 + color.b * 19) >> 8;
+        raise_ = static_cast<std::uint32_t>(luma * 2 * 65536 / (5 * 255 * 255));
     }
-    return table;
-}
+    std::uint32_t apply(std::uint32_t coverage) const
+    {
+        return coverage + (coverage * (255 - coverage) * raise_ >> 16);
+    }
+
+private:
+    std::uint32_t raise_ = 0;
+};
 
 } // namespace
 
@@ -99,9 +105,10 @@ void Raster::fill(Image& image, const DeviceRect& clip, const Polygons& polygons
 {
     if (clip.isEmpty() || shader.isInvisible())
         return;
-    scan_->sweep(polygons, clip, [&](int y, const Span& span) {
+    const DeviceRect bounds{0, 0, image.width(), image.height()};
+    scan_->sweep(polygons, bounds, clip, [&](int y, const Span& span) {
         const Piece piece = clipped(span, clip);
-        if (piece.length <= 0 || y < clip.top || y >= clip.bottom)
+        if (piece.length <= 0)
             return;
         const auto row = part(image, piece.x, y, piece.length);
         if (span.len < 0)
@@ -148,14 +155,14 @@ void Raster::fillMask(Image& image, const DeviceRect& clip, const Mask& mask, in
     const int bottom = std::min(y + mask.top + mask.height, clip.bottom);
     if (left >= right || top >= bottom || color.a == 0)
         return;
-    const auto contrast = contrastFor(color);
+    const Contrast contrast(color);
     const std::uint32_t source = premultiplied(color);
     for (int row = top; row < bottom; ++row) {
         const std::uint8_t* coverage =
             mask.coverages.data() + (row - y - mask.top) * mask.width + (left - x - mask.left);
         for (std::uint32_t& pixel : part(image, left, row, right - left)) {
             if (*coverage != 0)
-                pixel = over(pixel, scaledPixel(source, contrast[*coverage]));
+                pixel = over(pixel, scaledPixel(source, contrast.apply(*coverage)));
             ++coverage;
         }
     }
@@ -183,9 +190,9 @@ Mask Raster::mask(const Polygons& polygons)
     mask.height = box.bottom - box.top;
     mask.coverages.assign(
         static_cast<std::size_t>(mask.width) * static_cast<std::size_t>(mask.height), 0);
-    scan_->sweep(polygons, box, [&](int y, const Span& span) {
+    scan_->sweep(polygons, box, box, [&](int y, const Span& span) {
         const Piece piece = clipped(span, box);
-        if (piece.length <= 0 || y < box.top || y >= box.bottom)
+        if (piece.length <= 0)
             return;
         std::uint8_t* to =
             mask.coverages.data() + (y - box.top) * mask.width + (piece.x - box.left);

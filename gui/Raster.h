@@ -32,7 +32,7 @@ public:
     // Edges in device pixels; they need not be whole.
     static void fillRect(Image& image, const DeviceRect& clip, DevicePoint topLeft,
                          DevicePoint bottomRight, const Shader& shader);
-    // Painted with a contrast for text, see contrastFor.
+    // Light colours are painted a little bolder than their coverage.
     static void fillMask(Image& image, const DeviceRect& clip, const Mask& mask, int x, int y,
                          Color color);
     // At most 1024 pixels wide and high; the rest is cut off.

@@ -59,7 +59,8 @@ Premultiplied colorAt(const Paint& paint, double t)
     if (next == paint.stopCount)
         return premultipliedExactly(stops[next - 1].color);
     const double from = stops[next - 1].offset;
-    const double k = (t - from) / (stops[next].offset - from);
+    const double width = stops[next].offset - from;
+    const double k = width > 0.0 ? (t - from) / width : 1.0;
     const Premultiplied p = premultipliedExactly(stops[next - 1].color);
     const Premultiplied q = premultipliedExactly(stops[next].color);
     return {between(p.b, q.b, k), between(p.g, q.g, k), between(p.r, q.r, k), between(p.a, q.a, k)};
@@ -71,6 +72,14 @@ std::uint32_t dithered(std::uint32_t below, std::uint32_t lane, std::uint32_t co
                        std::uint32_t clear, std::uint32_t threshold)
 {
     return (below * clear / 255 + lane * coverage / 255 + threshold) >> 8;
+}
+
+// Entries for a gradient so many device pixels long: two a pixel, so that the dither and not the
+// ramp decides.
+int rampSizeFor(double length, int most)
+{
+    constexpr int kLeast = 16;
+    return 2.0 * length < most ? std::max(kLeast, static_cast<int>(2.0 * length)) : most;
 }
 
 } // namespace
@@ -88,17 +97,19 @@ Shader::Shader(const Paint& paint, const Transform& transform)
         const double dy = to.y - from.y;
         const double square = dx * dx + dy * dy;
         // A gradient without length is all last colour.
-        const double perPixel = square > 1e-9 ? (kRampSize - 1) / square : 0.0;
+        rampSize_ = rampSizeFor(std::sqrt(square), kLongestRamp);
+        const double perPixel = square > 1e-9 ? (rampSize_ - 1) / square : 0.0;
         stepX_ = dx * perPixel;
         stepY_ = dy * perPixel;
         originX_ = perPixel > 0.0 ? (0.5 - from.x) * stepX_ + (0.5 - from.y) * stepY_ + 0.5
-                                  : static_cast<double>(kRampSize);
+                                  : static_cast<double>(rampSize_);
     } else {
         const double radius = paint.radius * transform.scale;
         radial_ = true;
         originX_ = from.x - 0.5;
         originY_ = from.y - 0.5;
-        stepX_ = radius > 1e-6 ? (kRampSize - 1) / radius : 1e9;
+        rampSize_ = rampSizeFor(radius, kLongestRamp);
+        stepX_ = radius > 1e-6 ? (rampSize_ - 1) / radius : 1e9;
     }
     if (!std::isfinite(stepX_) || !std::isfinite(stepY_) || !std::isfinite(originX_) ||
         !std::isfinite(originY_)) {
@@ -114,8 +125,8 @@ void Shader::fillRamp(const Paint& paint)
     opaque_ = true;
     for (std::size_t i = 0; i < paint.stopCount; ++i)
         opaque_ = opaque_ && paint.stops[i].color.a == 255;
-    for (int i = 0; i < kRampSize; ++i) {
-        const Premultiplied c = colorAt(paint, static_cast<double>(i) / (kRampSize - 1));
+    for (int i = 0; i < rampSize_; ++i) {
+        const Premultiplied c = colorAt(paint, static_cast<double>(i) / (rampSize_ - 1));
         ramp_[static_cast<std::size_t>(i)] = {widened(c.b), widened(c.g), widened(c.r),
                                               widened(c.a)};
     }
@@ -131,7 +142,7 @@ const Shader::Wide& Shader::wideAt(int x, int y) const
     } else {
         position = originX_ + x * stepX_ + y * stepY_;
     }
-    return ramp_[static_cast<std::size_t>(std::clamp(position, 0.0, kRampSize - 1.0))];
+    return ramp_[static_cast<std::size_t>(std::clamp(position, 0.0, rampSize_ - 1.0))];
 }
 
 template <class CoverageAt>

@@ -28,7 +28,7 @@ private:
     struct Wide {
         std::uint16_t b, g, r, a;
     };
-    static constexpr int kRampSize = 256;
+    static constexpr int kLongestRamp = 256;
 
     void fillRamp(const Paint& paint);
     const Wide& wideAt(int x, int y) const;
@@ -45,7 +45,8 @@ private:
     double originY_ = 0.0;
     double stepX_ = 0.0;
     double stepY_ = 0.0;
-    std::array<Wide, kRampSize> ramp_;
+    int rampSize_ = kLongestRamp;
+    std::array<Wide, kLongestRamp> ramp_;
 };
 
 } // namespace tolm::gui
