@@ -1,0 +1,162 @@
+// Paths, strokes and gradients: areas against geometry, colours against arithmetic.
+
+#include "tests/gui/canvasRig.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <numbers>
+
+namespace tolm::gui {
+
+namespace {
+
+constexpr float kPi = std::numbers::pi_v<float>;
+
+TEST(Path, boundsHoldEveryPointOfCurvesAndStartAnywhere)
+{
+    EXPECT_EQ(Path().bounds(), Rect{});
+    const Rect circle = Path::circle({-10, 20}, 5).bounds();
+    EXPECT_NEAR(circle.x, -15, 1e-4);
+    EXPECT_NEAR(circle.bottom(), 25, 1e-4);
+    EXPECT_EQ(Path::roundRect({3, 4, 20, 10}, 99).bounds().width, 20);
+    EXPECT_EQ(Path().moveTo({1, 1}).cubicTo({9, -7}, {0, 0}, {2, 2}).bounds(), (Rect{0, -7, 9, 9}));
+}
+
+TEST(Path, arcsFollowTheCircleInBothDirectionsAndJoinWhatIsThere)
+{
+    for (const auto& [from, to] : {std::pair{0.3f, 5.0f}, {4.0f, -1.0f}, {-20.0f, -21.0f}}) {
+        const Path path = Path().arc({2, 3}, 10, from, to);
+        const Point last = path.elements().back().points[2];
+        EXPECT_NEAR(last.x, 2 + 10 * std::cos(to), 1e-4);
+        EXPECT_NEAR(last.y, 3 + 10 * std::sin(to), 1e-4);
+    }
+    const Path pie = Path().moveTo({0, 0}).arc({0, 0}, 4, 0, kPi);
+    EXPECT_EQ(pie.elements()[1].verb, Path::Verb::line);
+    EXPECT_TRUE(Path().arc({0, 0}, 4, 0, std::numeric_limits<float>::infinity()).isEmpty());
+}
+
+TEST(Canvas, filledAndStrokedAreasAreWhatGeometrySays)
+{
+    struct Case {
+        const char* name;
+        double area;
+        void (*draw)(Canvas&);
+    };
+    const Case cases[] = {
+        {"circle", kPi * 100,
+         [](Canvas& c) {
+             c.fill(Path::circle({16.3f, 16.1f}, 10), kWhite);
+         }},
+        {"round rectangle", 20 * 12.0 - (4 - kPi) * 9,
+         [](Canvas& c) {
+             c.fillRoundRect({5.4f, 6.2f, 20, 12}, 3, kWhite);
+         }},
+        {"rectangle between pixels", 10.5 * 7.25,
+         [](Canvas& c) {
+             c.fillRect({3.25f, 4.5f, 10.5f, 7.25f}, kWhite);
+         }},
+        {"sliver within a pixel", 0.5 * 8,
+         [](Canvas& c) {
+             c.fillRect({3.25f, 4, 0.5f, 8}, kWhite);
+         }},
+        {"ring", kPi * (12.0 * 12 - 9 * 9),
+         [](Canvas& c) {
+             c.stroke(Path::circle({16, 16}, 10.5f), {3}, kWhite);
+         }},
+        {"round caps", 20 * 4.0 + kPi * 4,
+         [](Canvas& c) {
+             c.stroke(Path::line({6, 16}, {26, 16}), {4, LineCap::round}, kWhite);
+         }},
+        {"butt caps, slanted", 5 * std::sqrt(200.0),
+         [](Canvas& c) {
+             c.stroke(Path::line({8, 8}, {18, 18}), {5}, kWhite);
+         }},
+        {"mitred square", 20 * 20 - 12 * 12.0,
+         [](Canvas& c) {
+             c.stroke(
+                 Path().moveTo({8, 8}).lineTo({24, 8}).lineTo({24, 24}).lineTo({8, 24}).close(),
+                 {4}, kWhite);
+         }},
+        {"frame", 20 * 16 - 16 * 12.0 - (4 - kPi) * (25 - 9),
+         [](Canvas& c) {
+             c.strokeRoundRect({4, 4, 20, 16}, 5, 2, kWhite);
+         }},
+        {"round dot", kPi * 9,
+         [](Canvas& c) {
+             c.stroke(Path::line({9, 9}, {9, 9}), {6, LineCap::round}, kWhite);
+         }},
+    };
+    for (const Case& k : cases) {
+        SCOPED_TRACE(k.name);
+        CanvasRig rig;
+        k.draw(rig.canvas);
+        EXPECT_NEAR(rig.area(), k.area, 0.012 * k.area + 0.05);
+    }
+}
+
+TEST(Canvas, nothingBreaksOnNumbersThatAreNone)
+{
+    constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
+    constexpr float kHuge = std::numeric_limits<float>::max();
+    for (float v : {kNan, kHuge, -kHuge, std::numeric_limits<float>::infinity()}) {
+        CanvasRig rig;
+        rig.canvas.fill(Path().moveTo({v, 3}).lineTo({9, v}).cubicTo({v, v}, {3, v}, {1, 2}),
+                        kWhite);
+        rig.canvas.stroke(Path().moveTo({2, 3}).lineTo({9, v}).lineTo({v, 1}), {v}, kWhite);
+        rig.canvas.stroke(Path().moveTo({2, 3}).lineTo({9, v}), {2, LineCap::round}, kWhite);
+        rig.canvas.fillRoundRect({v, 1, 5, v}, v, Paint::linear({v, 0}, {0, v}, kWhite, kWhite));
+        rig.canvas.fillRect({1, 1, v, v}, Paint::radial({v, v}, v, {{v, kWhite}, {v, kWhite}}));
+        rig.canvas.text("x", {v, v}, {10}, kWhite);
+        rig.canvas.text("x", {3, 9}, {v}, kWhite);
+        rig.canvas.textIn("x", {v, v, v, v}, {10}, kWhite, Align::centre);
+        rig.canvas.image(Image(3, 3), {v, 2, v, 3});
+        rig.canvas.clip({v, 0, v, 9});
+        rig.canvas.translate({v, v});
+        rig.canvas.fillRect({1, 1, 9, 9}, kWhite);
+    }
+}
+
+TEST(Canvas, ditheredGradientsStayWithinAStepAndKeepTheirMean)
+{
+    const Color from = Color::rgb(0x222730);
+    const Color to = Color::rgb(0x1A1E25);
+    CanvasRig rig(64, 64);
+    rig.canvas.fillRect({0, 0, 64, 64}, Paint::linear({0, 0}, {0, 64}, from, to));
+    for (int y = 0; y < 64; ++y) {
+        double sum = 0.0;
+        const double exact = 0x22 + (0x1A - 0x22) * (y + 0.5) / 64;
+        for (int x = 0; x < 64; ++x) {
+            ASSERT_EQ(rig.alphaAt(x, y), 255);
+            const double red = static_cast<double>(rig.at(x, y) >> 16 & 255);
+            EXPECT_LT(std::abs(red - exact), 1.05) << x << ' ' << y;
+            sum += red;
+        }
+        // Eight thresholds a row leave an eighth of a step, and their mean another.
+        EXPECT_NEAR(sum / 64, exact, 0.3) << y;
+    }
+    EXPECT_NE(rig.at(0, 5), rig.at(1, 5)) << "no dither";
+}
+
+TEST(Canvas, gradientsEndInTheirStopsAndBlendOverWhatIsBelow)
+{
+    CanvasRig rig;
+    const Color below = Color::rgb(0x405060);
+    rig.canvas.fillRect({0, 0, 32, 32}, below);
+    rig.canvas.fillRect({0, 0, 32, 32}, Paint::radial({16, 16}, 8,
+                                                      {{0.0f, Color::rgb(0xFF0000)},
+                                                       {0.5f, Color::rgb(0xFF0000)},
+                                                       {1.0f, Color{255, 0, 0, 0}}}));
+    EXPECT_EQ(rig.at(16, 16), 0xFFFF0000u);
+    EXPECT_EQ(rig.at(0, 0), 0xFF405060u);
+    EXPECT_GT(rig.at(16, 10) >> 16 & 255, 0x50u);
+    rig.canvas.fillRect({0, 0, 32, 32}, Paint::linear({4, 4}, {4, 4}, below, kWhite));
+    EXPECT_EQ(rig.at(3, 3), 0xFFFFFFFFu) << "a gradient without length is its last colour";
+    rig.canvas.fillRect({0, 0, 1, 1}, Color{0, 0, 0, 128});
+    EXPECT_EQ(rig.at(0, 0), 0xFF7F7F7Fu);
+}
+
+} // namespace
+
+} // namespace tolm::gui
