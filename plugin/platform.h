@@ -36,6 +36,21 @@ std::unique_ptr<SettingsStore> systemSettingsStore();
 // A file per value: `<folder>/<key>/<name>`. A scope whose folder is empty holds nothing.
 std::unique_ptr<SettingsStore> fileSettingsStore(std::string machineFolder, std::string userFolder);
 
+// Small text files of the user that outlive the process.
+class UserFiles {
+public:
+    virtual ~UserFiles() = default;
+
+    // The whole file, by plain name; nothing when there is none or it is unreasonably large.
+    virtual std::optional<std::string> read(std::string_view name) = 0;
+    // Replaces the whole file or leaves the old one; a failure is not reported.
+    virtual void write(std::string_view name, std::string_view text) = 0;
+};
+
+std::unique_ptr<UserFiles> systemUserFiles();
+// Files in one folder, made when needed. An empty folder holds nothing.
+std::unique_ptr<UserFiles> folderUserFiles(std::string folder);
+
 // Notes to the user. Never waits: hosts call from inside their own loops.
 class MessageBox {
 public:

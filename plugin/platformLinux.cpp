@@ -10,6 +10,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
+#include <vector>
 
 namespace tolm {
 
@@ -122,20 +123,59 @@ private:
     std::string userFolder_;
 };
 
+// A path made of names only could leave the folder.
+bool isPlainName(std::string_view name)
+{
+    return !name.empty() && name.front() != '.' && name.find('/') == std::string_view::npos &&
+           name.find('\0') == std::string_view::npos;
+}
+
+class FolderUserFiles final : public UserFiles {
+public:
+    explicit FolderUserFiles(std::string folder) : folder_(std::move(folder)) {}
+
+    std::optional<std::string> read(std::string_view name) override
+    {
+        constexpr std::size_t kLargest = std::size_t{1} << 20;
+        if (folder_.empty() || !isPlainName(name))
+            return std::nullopt;
+        const File file(
+            ::open((fs::path(folder_) / name).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+        if (!file.isOpen())
+            return std::nullopt;
+        std::vector<std::uint8_t> bytes(kLargest + 1);
+        const std::optional<std::size_t> size = file.read(bytes);
+        if (!size || *size > kLargest)
+            return std::nullopt;
+        return std::string(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(*size));
+    }
+
+    void write(std::string_view name, std::string_view text) override
+    {
+        if (folder_.empty() || !isPlainName(name))
+            return;
+        const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
+        replaceFile(fs::path(folder_) / name, {bytes, text.size()});
+    }
+
+private:
+    std::string folder_;
+};
+
 std::string environment(const char* name)
 {
     const char* value = std::getenv(name);
     return value != nullptr ? value : "";
 }
 
-// $XDG_CONFIG_HOME counts only when absolute; without a home there is no user folder.
-std::string userConfigFolder()
+// The variable counts only when absolute; without a home there is no user folder.
+std::string userFolder(const char* variable, const char* inHome)
 {
-    const std::string configured = environment("XDG_CONFIG_HOME");
+    const std::string configured = environment(variable);
     if (configured.starts_with('/'))
         return configured;
     const std::string home = environment("HOME");
-    return home.starts_with('/') ? home + "/.config" : std::string();
+    return home.starts_with('/') ? home + inHome : std::string();
 }
 
 class ErrorStreamMessages final : public MessageBox {
@@ -156,7 +196,18 @@ std::unique_ptr<SettingsStore> fileSettingsStore(std::string machineFolder, std:
 
 std::unique_ptr<SettingsStore> systemSettingsStore()
 {
-    return fileSettingsStore("/etc", userConfigFolder());
+    return fileSettingsStore("/etc", userFolder("XDG_CONFIG_HOME", "/.config"));
+}
+
+std::unique_ptr<UserFiles> folderUserFiles(std::string folder)
+{
+    return std::make_unique<FolderUserFiles>(std::move(folder));
+}
+
+std::unique_ptr<UserFiles> systemUserFiles()
+{
+    const std::string folder = userFolder("XDG_DATA_HOME", "/.local/share");
+    return folderUserFiles(folder.empty() ? folder : folder + "/Tolm");
 }
 
 std::unique_ptr<MessageBox> systemMessageBox()
