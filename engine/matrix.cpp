@@ -524,6 +524,9 @@ void evaluateMatrix(CallContext& call, std::size_t voice, VoiceModulation& modul
         c.source = row.source;
         effect(c, amount[row.row], s);
     }
+    if (voice == r.watched.voice)
+        for (const ActiveRow& row : rows)
+            r.watched.rowSource[row.row] = static_cast<float>(source[row.source]);
 }
 
 void evaluateGlobalMatrix(EngineRecord& r, double sampleRateHz, double tempo)

@@ -246,6 +246,12 @@ struct ArpeggiatorState {
 
 inline constexpr int kArpBufferFrames = 8192;
 
+// What a window shows of one voice's matrix.
+struct WatchedVoice {
+    std::size_t voice = kVoiceCount;            // kVoiceCount: nobody looks
+    std::array<float, kMatrixRows> rowSource{}; // of the last engine call, by row
+};
+
 struct EngineRecord {
     // Notes and voices.
     int polyphony = 12;
@@ -319,6 +325,8 @@ struct EngineRecord {
     ControllerCurve breathCurve;
     ArpeggiatorState arp;
     DelayModulation delayModulation;
+
+    WatchedVoice watched;
 
     // Output.
     float outputGain = -1.0f; // negative: jump to the target

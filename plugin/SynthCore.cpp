@@ -50,16 +50,53 @@ void SynthCore::changeParameter(int id, float value, bool tellEditor)
     value = finiteOrZero(value);
     store(id, value);
     pending_.mark(id);
-    if (!running_.load(std::memory_order_relaxed))
-        if (const GuardHold hold = GuardHold::attempt(guard_))
-            applyPending();
+    applyWhenIdle();
     if (tellEditor)
         if (EditorHooks* shown = editor())
             shown->parameterChanged(id, value);
 }
 
+void SynthCore::applyWhenIdle()
+{
+    if (!running_.load(std::memory_order_relaxed))
+        if (const GuardHold hold = GuardHold::attempt(guard_))
+            applyPending();
+}
+
+void SynthCore::request(Request what)
+{
+    requests_.fetch_or(static_cast<unsigned>(what), std::memory_order_release);
+    applyWhenIdle();
+}
+
+void SynthCore::reapplyProgram()
+{
+    for (int id = 0; id < kStoredParameterCount; ++id)
+        pending_.mark(id);
+    applyWhenIdle();
+}
+
+void SynthCore::serve(unsigned requests)
+{
+    const auto asked = [requests](Request what) {
+        return (requests & static_cast<unsigned>(what)) != 0;
+    };
+    if (asked(Request::silence)) {
+        engine_.allNotesOff(true);
+        for (std::atomic<bool>& key : keyDown_)
+            key.store(false, std::memory_order_relaxed);
+        engine_.record().anyKeyDown = false;
+    } else if (asked(Request::releaseNotes)) {
+        engine_.allNotesOff(false);
+    }
+    if (asked(Request::silence) || asked(Request::restartArp))
+        engine_.record().arp.currentStep = 0;
+}
+
 void SynthCore::applyPending()
 {
+    if (requests_.load(std::memory_order_relaxed) != 0)
+        serve(requests_.exchange(0, std::memory_order_acquire));
     pending_.drain([this](int id) { apply(id); });
 }
 

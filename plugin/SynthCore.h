@@ -9,6 +9,7 @@
 #include "engine/EngineOwner.h"
 #include "engine/Tolm.h"
 #include "plugin/EditorHooks.h"
+#include "plugin/MeterBoard.h"
 #include "plugin/ProcessingGuard.h"
 #include "plugin/eventQueue.h"
 #include "plugin/midiMap.h"
@@ -41,6 +42,7 @@ public:
     EventQueue& queue() { return queue_; }
     KeyboardNoteQueue& keyboard() { return keyboard_; }
     TempoSource& tempoSource() { return tempoSource_; }
+    MeterBoard& meters() { return meters_; }
 
     EditorHooks* editor() const { return editor_.load(std::memory_order_acquire); }
     void setEditor(EditorHooks* editor) { editor_.store(editor, std::memory_order_release); }
@@ -50,8 +52,19 @@ public:
 
     // Any thread. Ids outside 0..348 are dropped, values that are not finite become 0.
     void changeParameter(int id, float value, bool tellEditor);
+    // Any thread. What the editor asks for all at once; done by the audio thread before its next
+    // call, or immediately while nothing plays. Notes end before changes made after the request.
+    enum class Request : std::uint8_t {
+        releaseNotes = 1, // held and arpeggiated notes go into their release
+        restartArp = 2,   // the arpeggiator's step counter
+        silence = 4,      // everything ends at once, effects included
+    };
+    void request(Request what);
+    // All stored values of the current program go to the engine again, in id order.
+    void reapplyProgram();
     // The current program's stored value, 0 for ids that are not stored.
     float storedValue(int id) const;
+    float pitchWheel() const { return pitchWheel_.load(std::memory_order_relaxed); }
     // Applies what other threads changed; the caller holds the guard.
     void applyPending();
 
@@ -105,6 +118,8 @@ public:
 private:
     void store(int id, float value);
     void apply(int id);
+    void serve(unsigned requests);
+    void applyWhenIdle();
 
     Tolm engine_;
     ProcessingGuard guard_;
@@ -114,6 +129,8 @@ private:
     EventQueue queue_;
     KeyboardNoteQueue keyboard_;
     PendingParameters pending_;
+    std::atomic<unsigned> requests_{0};
+    MeterBoard meters_;
     std::atomic<float> pitchWheel_{0.5f}; // the one value with an effect that no program stores
     std::atomic<EditorHooks*> editor_{nullptr};
     std::atomic<bool> hostIsOwnHost_{false};

@@ -1,5 +1,6 @@
 #include "plugin/VstSynth.h"
 
+#include "plugin/PluginEditorPort.h"
 #include "plugin/blockDriver.h"
 #include "plugin/catalogue.h"
 #include "plugin/eventIntake.h"
@@ -57,14 +58,17 @@ void copyParameterText(char* to, std::string_view text)
 } // namespace
 
 VstSynth::VstSynth(vst2::HostCallback host, std::unique_ptr<SettingsStore> settings,
-                   std::unique_ptr<MessageBox> messages)
+                   std::unique_ptr<MessageBox> messages, std::unique_ptr<UserFiles> files)
     : AudioEffectX(host, kProgramCount, kHostParameterCount),
       settings_(std::move(settings)),
       messages_(std::move(messages)),
+      files_(std::move(files)),
       core_(*settings_, *this),
       notices_(core_, *messages_),
-      presets_(core_, notices_)
+      presets_(core_, notices_),
+      port_(std::make_unique<PluginEditorPort>(*this, files_.get()))
 {
+    core_.setEditor(port_.get());
     if (!hasHost())
         return;
     effect_.numInputs = 0;
@@ -77,6 +81,8 @@ VstSynth::VstSynth(vst2::HostCallback host, std::unique_ptr<SettingsStore> setti
 
 VstSynth::~VstSynth()
 {
+    setEditor(nullptr); // the window goes first: it knows the port
+    core_.setEditor(nullptr);
     try {
         core_.midiMap().storeIfChanged();
     } catch (...) {
@@ -179,6 +185,33 @@ void VstSynth::setParameterAutomated(std::int32_t id, float value)
     if (id >= 0 && id < numAutomatable_)
         callHost(vst2::audioMasterAutomate, id, 0, nullptr, value);
     sendControllerFor(id, value);
+}
+
+EditorPort& VstSynth::editorPort()
+{
+    return *port_;
+}
+
+void VstSynth::beginEdit(std::int32_t id)
+{
+    if (id >= 0 && id < numAutomatable_)
+        callHost(vst2::audioMasterBeginEdit, id);
+}
+
+void VstSynth::endEdit(std::int32_t id)
+{
+    if (id >= 0 && id < numAutomatable_)
+        callHost(vst2::audioMasterEndEdit, id);
+}
+
+void VstSynth::updateHostDisplay()
+{
+    callHost(vst2::audioMasterUpdateDisplay);
+}
+
+bool VstSynth::resizeHostWindow(std::int32_t width, std::int32_t height)
+{
+    return callHost(vst2::audioMasterSizeWindow, width, height) != 0;
 }
 
 void VstSynth::sendControllerFor(std::int32_t id, float value)

@@ -14,15 +14,21 @@
 
 namespace tolm {
 
+class EditorPort;
+class PluginEditorPort;
+
 class VstSynth : public vst2::AudioEffectX, private TempoSource {
 public:
+    // Without `files` the editor keeps nothing for the user.
     VstSynth(vst2::HostCallback host, std::unique_ptr<SettingsStore> settings,
-             std::unique_ptr<MessageBox> messages);
+             std::unique_ptr<MessageBox> messages, std::unique_ptr<UserFiles> files = nullptr);
     ~VstSynth() override;
 
     SynthCore& core() { return core_; }
     PresetLibrary& presets() { return presets_; }
     Notices& notices() { return notices_; }
+    // For the window, which lives shorter than the synth.
+    EditorPort& editorPort();
 
     void open() override;
     void suspend() override;
@@ -63,6 +69,13 @@ public:
     virtual void process(float** inputs, float** outputs, std::int32_t frames);
     // A change that the editor made itself and needs no echo of.
     virtual void setParameterQuiet(std::int32_t id, float value);
+    // The host's record of a gesture on a parameter; ids that it does not know are ignored.
+    // User-interface thread, like the next two.
+    void beginEdit(std::int32_t id);
+    void endEdit(std::int32_t id);
+    void updateHostDisplay();
+    // Device pixels. False when the host does not.
+    bool resizeHostWindow(std::int32_t width, std::int32_t height);
     // Copies the current program over another; false when there is no such program.
     virtual bool copyProgram(std::int32_t destination);
 
@@ -87,9 +100,11 @@ private:
 
     std::unique_ptr<SettingsStore> settings_;
     std::unique_ptr<MessageBox> messages_;
+    std::unique_ptr<UserFiles> files_;
     SynthCore core_;
     Notices notices_;
     PresetLibrary presets_;
+    std::unique_ptr<PluginEditorPort> port_;
     HostKind hostKind_;
     std::int32_t numAutomatable_ = kHostParameterCount; // ids below are reported to the host
 };

@@ -143,6 +143,7 @@ void processBlock(SynthCore& core, float* const* outputs, int frames, OutputMode
         processPiece(core, outputs, frames, mode);
     else
         processLongBlock(core, outputs, frames, mode);
+    core.meters().update(core.engine().record(), outputs, frames);
     core.queue().clear();
     // A restart beyond the block's end never comes.
     core.engine().record().arp.restartOffset = -1;

@@ -19,7 +19,8 @@ tolm::vst2::AEffect* createSynth(tolm::vst2::HostCallback host) noexcept
         if (host == nullptr || host(nullptr, tolm::vst2::audioMasterVersion, 0, 0, nullptr, 0) == 0)
             return nullptr;
         // The record's object is deleted at effClose.
-        return (new tolm::VstSynth(host, tolm::systemSettingsStore(), tolm::systemMessageBox()))
+        return (new tolm::VstSynth(host, tolm::systemSettingsStore(), tolm::systemMessageBox(),
+                                   tolm::systemUserFiles()))
             ->effect();
     } catch (...) {
         return nullptr;

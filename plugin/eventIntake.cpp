@@ -9,6 +9,8 @@ namespace tolm {
 
 namespace {
 
+constexpr std::uint8_t kControlChange = 0xB0;
+
 // A channel message of any channel. Data bytes are kept as they came.
 struct MidiMessage {
     std::int32_t offset = 0;
@@ -200,7 +202,7 @@ bool takeMessage(SynthCore& core, const MidiMessage& message)
     case kNoteOn:
         takeNote(core, message);
         return true;
-    case 0xB0:
+    case kControlChange:
         takeController(core, message);
         break;
     case 0xC0:
@@ -271,6 +273,10 @@ void drainKeyboard(SynthCore& core)
     KeyboardNote played;
     while (core.keyboard().pop(played)) {
         const MidiMessage note{played.offset, played.status, played.key, played.velocity};
+        if (note.status == kControlChange) {
+            takeController(core, note);
+            continue;
+        }
         core.showKey(note.key(), note.isNoteOn());
         ArpeggiatorState& arp = core.engine().record().arp;
         if (!arp.on) {

@@ -33,7 +33,8 @@ struct KeyboardNote {
 };
 
 // One thread pushes (the editor's), one drains (the audio thread). A note that finds the queue
-// full is dropped.
+// full is dropped. Controllers pass as well: status 0xB0, the controller as key, its value as
+// velocity.
 class KeyboardNoteQueue {
 public:
     bool push(std::uint8_t status, int key, std::uint8_t velocity)

@@ -31,7 +31,9 @@ public:
     void armLearn(int parameter);
     // Gives the waiting parameter, if any, to this controller.
     void learn(int controller);
-    bool isLearning() const { return learning_.load(std::memory_order_relaxed) >= 0; }
+    bool isLearning() const { return learningParameter() >= 0; }
+    // The parameter that waits for a controller, or -1.
+    int learningParameter() const { return learning_.load(std::memory_order_relaxed); }
     // Takes every controller but 127 away from `parameter`.
     void forget(int parameter);
 

@@ -52,6 +52,22 @@ private:
     std::vector<std::string>& shown_;
 };
 
+class MemoryUserFiles final : public UserFiles {
+public:
+    std::optional<std::string> read(std::string_view name) override
+    {
+        const auto found = files_.find(name);
+        return found != files_.end() ? std::optional(found->second) : std::nullopt;
+    }
+    void write(std::string_view name, std::string_view text) override
+    {
+        files_.insert_or_assign(std::string(name), std::string(text));
+    }
+
+private:
+    std::map<std::string, std::string, std::less<>> files_;
+};
+
 // One rig at a time: the interface gives a host's callback nothing to tell its hosts apart before
 // the plug-in exists.
 class SynthRig {
@@ -61,7 +77,8 @@ public:
     {
         current() = this;
         synth = std::make_unique<VstSynth>(answer, std::make_unique<FakeSettings>(files),
-                                           std::make_unique<FakeMessages>(shownMessages));
+                                           std::make_unique<FakeMessages>(shownMessages),
+                                           std::make_unique<MemoryUserFiles>());
         synth->open();
     }
     SynthRig(const SynthRig&) = delete;
@@ -124,6 +141,8 @@ public:
     SettingsFiles files;
     std::optional<vst2::VstTimeInfo> time;
     std::vector<int> automated;
+    std::vector<std::string> told; // about edits and the window, in order
+    bool resizes = true;
     std::vector<std::array<int, 3>> sentMidi;
     int answerOfEvents = 0;
     std::vector<float> left, right;
@@ -138,7 +157,7 @@ private:
     }
 
     static std::intptr_t answer(vst2::AEffect*, std::int32_t opcode, std::int32_t index,
-                                std::intptr_t, void* pointer, float)
+                                std::intptr_t value, void* pointer, float)
     {
         SynthRig& rig = *current();
         switch (opcode) {
@@ -151,7 +170,20 @@ private:
             return rig.time ? reinterpret_cast<std::intptr_t>(&*rig.time) : 0;
         case vst2::audioMasterAutomate:
             rig.automated.push_back(index);
+            rig.told.push_back("automate " + std::to_string(index));
             return 0;
+        case vst2::audioMasterBeginEdit:
+            rig.told.push_back("begin " + std::to_string(index));
+            return 1;
+        case vst2::audioMasterEndEdit:
+            rig.told.push_back("end " + std::to_string(index));
+            return 1;
+        case vst2::audioMasterUpdateDisplay:
+            rig.told.push_back("display");
+            return 1;
+        case vst2::audioMasterSizeWindow:
+            rig.told.push_back("size " + std::to_string(index) + " " + std::to_string(value));
+            return rig.resizes;
         case vst2::audioMasterProcessEvents: {
             const auto* events = static_cast<const vst2::VstEvents*>(pointer);
             vst2::VstMidiEvent event;
