@@ -1,8 +1,8 @@
 #include "editor/EditHistory.h"
 
+#include "editor/recordText.h"
+
 #include <algorithm>
-#include <bit>
-#include <cstdint>
 #include <utility>
 
 namespace tolm {
@@ -14,25 +14,6 @@ constexpr int kFirstSilentId = 127; // ids below are automated when the user cha
 bool isBendRange(int id)
 {
     return id == kBendUp || id == kBendDown;
-}
-
-// Bits, not numbers: -0 and 0 are different values of a record.
-bool sameBits(float a, float b)
-{
-    return std::bit_cast<std::uint32_t>(a) == std::bit_cast<std::uint32_t>(b);
-}
-
-bool sameRecord(const ProgramRecord& a, const ProgramRecord& b)
-{
-    return a.name == b.name && a.description == b.description && a.reserved == b.reserved &&
-           std::equal(a.values.begin(), a.values.end(), b.values.begin(), sameBits);
-}
-
-template <std::size_t size>
-std::string_view textOf(const std::array<char, size>& field)
-{
-    return {field.data(),
-            static_cast<std::size_t>(std::find(field.begin(), field.end(), '\0') - field.begin())};
 }
 
 } // namespace
@@ -61,10 +42,10 @@ void writeDifferences(EditorPort& port, int program, const ProgramRecord& target
         port.replaceProgram(program, target);
         return;
     }
-    if (textOf(now.name) != textOf(target.name))
-        port.setProgramName(textOf(target.name));
-    if (textOf(now.description) != textOf(target.description))
-        port.setDescription(textOf(target.description));
+    if (fieldText(now.name) != fieldText(target.name))
+        port.setProgramName(fieldText(target.name));
+    if (fieldText(now.description) != fieldText(target.description))
+        port.setDescription(fieldText(target.description));
     for (int id = 0; id < kStoredParameterCount; ++id) {
         const float value = target.values[static_cast<std::size_t>(id)];
         if (!sameBits(now.values[static_cast<std::size_t>(id)], value))

@@ -1,6 +1,7 @@
 #include "editor/actions.h"
 
 #include "editor/matrixRows.h"
+#include "editor/programActions.h"
 #include "patch/chunkRecord.h"
 
 #include <algorithm>
@@ -99,15 +100,6 @@ int parameterOfTag(int tag)
         return tag;
     default:
         return tag >= 0 && tag < kStoredParameterCount ? tag : -1;
-    }
-}
-
-void applyPattern(EditorPort& port, EditHistory& history, const ArpPattern& pattern)
-{
-    const EditGesture gesture(history, "Arp Pattern");
-    for (std::size_t i = 0; i < kArpPatternIds.size(); ++i) {
-        history.noteValue(kArpPatternIds[i]);
-        port.setParameter(kArpPatternIds[i], pattern.values[i]);
     }
 }
 

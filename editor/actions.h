@@ -146,7 +146,4 @@ int voiceMaskPosition(float stored);
 // the host's record of edits are about.
 int parameterOfTag(int tag);
 
-// Sets a pattern as the pattern menu does, inside one gesture.
-void applyPattern(EditorPort& port, EditHistory& history, const ArpPattern& pattern);
-
 } // namespace tolm

@@ -1,5 +1,6 @@
 #include "editor/arpPattern.h"
 
+#include "editor/recordText.h"
 #include "patch/chunkRecord.h"
 #include "plugin/menus.h"
 
@@ -116,6 +117,11 @@ ArpPattern currentPattern(const EditorPort& port)
 ArpPattern patternOf(const ProgramRecord& record)
 {
     return patternFrom([&](int id) { return record.values[static_cast<std::size_t>(id)]; });
+}
+
+std::string_view RecordPatternTable::name(int pattern) const
+{
+    return fieldText(records_[static_cast<std::size_t>(pattern)].name);
 }
 
 std::string patternText(const ArpPattern& pattern)

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -47,6 +48,23 @@ public:
     virtual std::string_view name(int pattern) const = 0;
     // 1..count() - 1.
     virtual ArpPattern pattern(int pattern) const = 0;
+};
+
+// Patterns kept as program records, of which only the pattern's values and the name count. The
+// records outlive the table.
+class RecordPatternTable final : public ArpPatternTable {
+public:
+    explicit RecordPatternTable(std::span<const ProgramRecord> records) : records_(records) {}
+
+    int count() const override { return static_cast<int>(records_.size()); }
+    std::string_view name(int pattern) const override;
+    ArpPattern pattern(int pattern) const override
+    {
+        return patternOf(records_[static_cast<std::size_t>(pattern)]);
+    }
+
+private:
+    std::span<const ProgramRecord> records_;
 };
 
 } // namespace tolm
