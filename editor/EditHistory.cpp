@@ -9,7 +9,12 @@ namespace tolm {
 
 namespace {
 
-constexpr int kFirstSilentId = 127; // ids below are automated when the user changes them
+// Which of the user's changes go to the host and out as controllers: those of ids below 127, but
+// for the switch and the modes that have actions of their own.
+bool isAutomated(int id)
+{
+    return id < kMonoMode && id != kArpOn && id != kArpMode && id != kFilterType;
+}
 
 bool isBendRange(int id)
 {
@@ -24,12 +29,14 @@ void writeEdited(EditorPort& port, int id, float value)
         port.setBendUpRange(static_cast<int>(value));
     else if (id == kBendDown)
         port.setBendDownRange(static_cast<int>(value));
-    else if (id >= kFirstSilentId)
+    else if (!isAutomated(id))
         port.setParameter(id, value);
     else {
-        port.beginEdit(id);
+        if (id < kHostParameterCount)
+            port.beginEdit(id);
         port.setParameterAutomated(id, value);
-        port.endEdit(id);
+        if (id < kHostParameterCount)
+            port.endEdit(id);
     }
 }
 
