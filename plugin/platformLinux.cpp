@@ -3,11 +3,14 @@
 #include "plugin/platform.h"
 
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
+#include <sys/file.h>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 #include <utility>
 #include <vector>
@@ -31,6 +34,7 @@ public:
     File& operator=(const File&) = delete;
 
     bool isOpen() const { return descriptor_ >= 0; }
+    int descriptor() const { return descriptor_; }
 
     // As many bytes as the file has, at most out.size().
     std::optional<std::size_t> read(std::span<std::uint8_t> out) const
@@ -68,18 +72,80 @@ private:
     int descriptor_;
 };
 
-// The new content goes to a file of its own, which then takes the old one's place in one step: a
-// reader sees the old bytes or the new ones, and two writers do not mix.
+// A file beside the one to be replaced, under one name and locked by its writer. What a killed
+// writer leaves is taken over by the next one, so nothing piles up.
+class Draft {
+public:
+    explicit Draft(std::string path) : path_(std::move(path))
+    {
+        Claim claim = tryClaim();
+        for (int i = 0; claim == Claim::taken && i < kRetries; ++i) {
+            std::this_thread::sleep_for(kNap);
+            claim = tryClaim();
+        }
+        ready_ = claim == Claim::done;
+    }
+    ~Draft()
+    {
+        if (ready_)
+            ::unlink(path_.c_str());
+    }
+    Draft(const Draft&) = delete;
+    Draft& operator=(const Draft&) = delete;
+
+    bool write(std::span<const std::uint8_t> bytes) const
+    {
+        return ready_ && ::ftruncate(file_->descriptor(), 0) == 0 && file_->writeAll(bytes);
+    }
+    bool renameTo(const char* target)
+    {
+        const bool renamed = ::rename(path_.c_str(), target) == 0;
+        ready_ = !renamed;
+        return renamed;
+    }
+
+private:
+    static constexpr int kRetries = 500; // a second
+    static constexpr std::chrono::milliseconds kNap{2};
+
+    enum class Claim : std::uint8_t { done, taken, impossible };
+
+    // Not through a link, and not blocking in case that somebody put a pipe there.
+    Claim tryClaim()
+    {
+        constexpr int kFlags = O_WRONLY | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
+        file_.emplace(::open(path_.c_str(), kFlags, 0644));
+        if (!file_->isOpen())
+            return Claim::impossible;
+        if (::flock(file_->descriptor(), LOCK_EX | LOCK_NB) != 0)
+            return errno == EWOULDBLOCK ? Claim::taken : Claim::impossible;
+        return isNamed() ? Claim::done : Claim::taken;
+    }
+    // False when the writer before has renamed or removed what was opened here.
+    bool isNamed() const
+    {
+        struct stat opened {};
+        struct stat named {};
+        return ::fstat(file_->descriptor(), &opened) == 0 && ::lstat(path_.c_str(), &named) == 0 &&
+               S_ISREG(opened.st_mode) && opened.st_dev == named.st_dev &&
+               opened.st_ino == named.st_ino;
+    }
+
+    std::string path_;
+    std::optional<File> file_;
+    bool ready_ = false;
+};
+
+// A reader sees the old bytes or the new ones, and two writers do not mix.
 void replaceFile(const fs::path& path, std::span<const std::uint8_t> bytes)
 {
     std::error_code failure;
     fs::create_directories(path.parent_path(), failure);
-    std::string temporary = path.string() + ".XXXXXX";
-    const File file(::mkostemp(temporary.data(), O_CLOEXEC));
-    if (!file.isOpen())
+    if (failure)
         return;
-    if (!file.writeAll(bytes) || ::rename(temporary.c_str(), path.c_str()) != 0)
-        ::unlink(temporary.c_str());
+    Draft draft(path.string() + ".new");
+    if (draft.write(bytes))
+        draft.renameTo(path.c_str());
 }
 
 class FileSettingsStore final : public SettingsStore {

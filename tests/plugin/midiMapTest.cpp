@@ -4,8 +4,12 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <csignal>
+#include <fcntl.h>
 #include <filesystem>
+#include <fstream>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <thread>
@@ -152,6 +156,13 @@ protected:
     }
     std::filesystem::path file(const char* scope) const { return root_ / scope / kKey / "1"; }
 
+    // The file itself included.
+    std::ptrdiff_t filesBeside(const char* scope) const
+    {
+        const auto folder = std::filesystem::directory_iterator(file(scope).parent_path());
+        return std::distance(begin(folder), end(folder));
+    }
+
     static constexpr const char* kKey = "Some/Key With Blanks";
     std::filesystem::path root_;
 };
@@ -168,8 +179,7 @@ TEST_F(SettingsFilesOnDisk, writesWholeFilesAndNothingBesides)
     EXPECT_FALSE(read(Scope::machine, out));
     store()->write(Scope::user, kKey, "1", mapBytes(300, 8));
     EXPECT_EQ(read(Scope::user, out), 260u);
-    const auto folder = std::filesystem::directory_iterator(file("user").parent_path());
-    EXPECT_EQ(std::distance(begin(folder), end(folder)), 1) << "a temporary file was left";
+    EXPECT_EQ(filesBeside("user"), 1) << "a temporary file was left";
 }
 
 TEST_F(SettingsFilesOnDisk, livesWithoutAFolderAndWithOneThatIsInTheWay)
@@ -184,8 +194,7 @@ TEST_F(SettingsFilesOnDisk, livesWithoutAFolderAndWithOneThatIsInTheWay)
     std::filesystem::create_directories(file("user")); // a folder where the file should be
     store()->write(Scope::user, kKey, "1", mapBytes(8, 1));
     EXPECT_FALSE(read(Scope::user, out));
-    const auto folder = std::filesystem::directory_iterator(file("user").parent_path());
-    EXPECT_EQ(std::distance(begin(folder), end(folder)), 1);
+    EXPECT_EQ(filesBeside("user"), 1);
     std::filesystem::create_directories(file("machine").parent_path());
     ASSERT_EQ(mkfifo(file("machine").c_str(), 0600), 0); // must not wait for a writer
     EXPECT_EQ(read(Scope::machine, out).value_or(0), 0u);
@@ -230,6 +239,62 @@ TEST_F(SettingsFilesOnDisk, twoProcessesOneOfThemKilledLeaveAWholeFile)
     EXPECT_EQ(read(Scope::user, out), 128u);
     EXPECT_EQ(out[0], out[127]);
     EXPECT_TRUE(out[0] == 1 || out[0] == 2);
+}
+
+TEST_F(SettingsFilesOnDisk, killedWritersLeaveNothingThatPilesUp)
+{
+    store()->write(Scope::user, kKey, "1", mapBytes(128, 1));
+    for (int i = 0; i < 12; ++i) {
+        const pid_t writer = ::fork();
+        ASSERT_GE(writer, 0);
+        if (writer == 0)
+            for (;;)
+                store()->write(Scope::user, kKey, "1", mapBytes(300, 2));
+        std::this_thread::sleep_for(std::chrono::microseconds(1500 + 137 * i));
+        ::kill(writer, SIGKILL);
+        ::waitpid(writer, nullptr, 0);
+    }
+    EXPECT_LE(filesBeside("user"), 2);
+    std::ofstream(file("user").string() + ".new") << std::string(1000, 'x'); // cut off half way
+    store()->write(Scope::user, kKey, "1", mapBytes(128, 1));
+    std::array<std::uint8_t, 260> out{};
+    EXPECT_EQ(read(Scope::user, out), 128u);
+    EXPECT_EQ(out[127], 1);
+    EXPECT_EQ(filesBeside("user"), 1);
+}
+
+TEST_F(SettingsFilesOnDisk, aStuckWriterHoldsNobodyUpForLong)
+{
+    store()->write(Scope::user, kKey, "1", mapBytes(128, 1));
+    const std::string draft = file("user").string() + ".new";
+    const int stuck = ::open(draft.c_str(), O_WRONLY | O_CREAT, 0600);
+    ASSERT_EQ(::flock(stuck, LOCK_EX), 0);
+    const auto start = std::chrono::steady_clock::now();
+    store()->write(Scope::user, kKey, "1", mapBytes(128, 2));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+    ::close(stuck);
+    std::array<std::uint8_t, 260> out{};
+    EXPECT_EQ(read(Scope::user, out), 128u);
+    EXPECT_EQ(out[0], 1) << "given up, and the old file is whole";
+    store()->write(Scope::user, kKey, "1", mapBytes(128, 3));
+    EXPECT_EQ(read(Scope::user, out), 128u);
+    EXPECT_EQ(out[0], 3);
+}
+
+TEST_F(SettingsFilesOnDisk, mapsOfTooFewBytesAreNoMaps)
+{
+    struct Row {
+        std::size_t machineBytes, userBytes;
+        int parameter;
+    };
+    for (const Row& row : {Row{128, 128, 2}, {129, 128, 2}, {127, 129, 3}, {127, 127, -1}}) {
+        SCOPED_TRACE(row.machineBytes);
+        const auto files = store();
+        constexpr const char* kMapKey = "Software/Corvane Audio/TOLM";
+        files->write(Scope::machine, kMapKey, "1", mapBytes(row.machineBytes, 2));
+        files->write(Scope::user, kMapKey, "1", mapBytes(row.userBytes, 3));
+        EXPECT_EQ(MidiMap(*files).parameterOf(0), row.parameter);
+    }
 }
 
 TEST_F(SettingsFilesOnDisk, homesThatAreMissingOrNotToBeWrittenKeepTheDefaults)
