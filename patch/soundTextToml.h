@@ -5,6 +5,7 @@
 #include <toml++/toml.h>
 
 #include "patch/soundText.h"
+#include "patch/soundTextPlain.h"
 
 #include <algorithm>
 #include <string>
@@ -21,7 +22,10 @@ inline SoundTextError errorAt(const std::string& file, const toml::node& node, s
 // The whole text as a table, or the parser's complaint.
 inline SoundTextStatus parseToml(std::string_view text, const std::string& file, toml::table& table)
 {
-    toml::parse_result result = toml::parse(text, file);
+    std::string plain(text);
+    if (const int line = makePlain(plain); line != 0)
+        return SoundTextError{file, line, {}, "only comments may have letters beyond ASCII"};
+    toml::parse_result result = toml::parse(plain, file);
     if (!result) {
         const toml::parse_error& error = result.error();
         // The parser reports bytes of the text as they are: keep the message on one clean line.

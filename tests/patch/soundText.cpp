@@ -240,11 +240,26 @@ TEST(SoundText, errorsNameFileLineAndKey)
         {"category = \"Kazoos\"", "keys.toml:1: category: ", "Kazoos"},
         {"\nauthor = 1", "keys.toml:2: author: ", "unknown key"},
         {"[[program]", "keys.toml:1", ""},
+        {start + "\"Volume\" = \xCC\x8D", "keys.toml:3: ", "ASCII"},
+        {start + "\xC3\xA9 = 1", "keys.toml:3: ", "ASCII"},
+        {"[[program]]\nname = \"A # \xC3\xA9\"", "keys.toml:2: ", "ASCII"},
+        {"[[program]]\nname = \"A \\\" # \xC3\xA9\"", "keys.toml:2: ", "ASCII"},
     };
     for (const auto& c : cases) {
         EXPECT_THAT(errorOf(c.text), StartsWith(c.where)) << c.text;
         EXPECT_THAT(errorOf(c.text), HasSubstr(c.what)) << c.text;
     }
+}
+
+TEST(SoundText, commentsMayBeInAnyLanguage)
+{
+    std::vector<Sound> sounds;
+    const SoundTextStatus error = read(
+        "\xEF\xBB\xBF# f\xC3\xBCr \"B\xC3\xA4sse\"\n[[program]]\nname = \"A # 'B\" # l\xC3\xA0\n",
+        sounds);
+    ASSERT_FALSE(error) << error->text();
+    ASSERT_EQ(sounds.size(), 1u);
+    EXPECT_STREQ(sounds[0].record.name.data(), "A # 'B");
 }
 
 TEST(SoundText, whatHasNoWordsIsRefusedAndNotLost)
