@@ -258,12 +258,8 @@ void FxReverb::diffuse(Chunk& chunk)
     const std::uint32_t spread = row().network == ReverbNetwork::half ? 0 : spreadFrames_;
     const auto increment = static_cast<std::uint32_t>(phaseScale() * kLfoHz);
     for (std::size_t i = 0; i < static_cast<std::size_t>(chunk.frames); ++i) {
-        const std::uint32_t entry = lfoPhase_ >> kTableShift;
-        constexpr std::uint32_t kFractionMask = (1u << kTableShift) - 1;
-        const float between =
-            static_cast<float>(lfoPhase_ & kFractionMask) / static_cast<float>(1u << kTableShift);
+        const float sweep = kLfoFrames * sine[lfoPhase_ >> kTableShift];
         lfoPhase_ += increment;
-        const float sweep = kLfoFrames * (sine[entry] + (sine[entry + 1] - sine[entry]) * between);
         const int whole = static_cast<int>(sweep + kLfoFrames) - static_cast<int>(kLfoFrames);
         const float fraction = sweep - static_cast<float>(whole);
 

@@ -1,0 +1,158 @@
+// The reverb's way from input to output, frame by frame, around its lines and early reflections,
+// which have tests of their own.
+
+#include "fx/FxReverb.h"
+#include "tests/fx/rig.h"
+
+#include <gtest/gtest.h>
+
+namespace tolm {
+namespace {
+
+constexpr double kRate = 44100.0;
+constexpr int kPreDelay = 441; // frames in 10 ms
+constexpr int kSpread = 99;
+
+struct Settings {
+    double decay = 0.3, damp = 0.6, lowCut = 0.5, amount = 0.8;
+};
+
+// y = b0 x + b1 x' - a1 y' with its own way to the coefficients.
+struct PlainOnePole {
+    double b0, b1, a1, x1 = 0.0, y1 = 0.0;
+
+    PlainOnePole(double hz, bool highpass)
+    {
+        const double t = std::tan(kPi * hz / kRate);
+        a1 = (t - 1.0) / (t + 1.0);
+        b0 = (highpass ? 1.0 : t) / (t + 1.0);
+        b1 = highpass ? -b0 : b0;
+    }
+    double run(double x)
+    {
+        const double y = b0 * x + b1 * x1 - a1 * y1;
+        x1 = x;
+        return y1 = std::abs(y) < 1e-9 ? 0.0 : y;
+    }
+};
+
+struct PlainDiffuser {
+    int length;
+    double gain;
+    std::vector<double> cells = std::vector<double>(4096);
+    int position = 0;
+    double read = 0.0, written = 0.0;
+
+    double run(double x, double offset)
+    {
+        const double at = position - offset - length + 2 * 4096;
+        const auto whole = static_cast<int>(at);
+        const double f = at - whole;
+        const auto cell = [&](int i) { return cells[static_cast<std::size_t>(i % 4096)]; };
+        read = -(cell(whole) * (1.0 - f) + cell(whole + 1) * f);
+        written = x + read * gain;
+        cells[static_cast<std::size_t>(position)] = written;
+        position = (position + 1) % 4096;
+        return read - gain * written;
+    }
+};
+
+class PlainReverb {
+public:
+    PlainReverb(int type, const Settings& settings)
+        : type_(type),
+          row_(kReverbTypes[static_cast<std::size_t>(type)]),
+          low_(row_.inputCutoffHz, false),
+          high_(10.0 * std::pow(100.0, settings.lowCut), true),
+          damping_(static_cast<float>(0.5 + 0.5 * settings.damp)),
+          wet_(settings.amount * settings.amount),
+          left_{type == 2 ? 293 : 257, 0.69},
+          right_{type == 2 ? 293 : 251, 0.7}
+    {
+        Random random(3);
+        lines_.resize(kRate);
+        lines_.setDecay(kRate, static_cast<float>(0.5 * std::pow(20.0, settings.decay)), damping_,
+                        static_cast<float>(0.15 * std::pow(1.0 / 0.15, settings.damp)));
+        // Drawn twice, as the settings come: with the type and with the pre-delay.
+        early_.build(row_, kRate, 0, lines_.longLengths(), random);
+        early_.build(row_, kRate, kPreDelay, lines_.longLengths(), random);
+        ring_.resize(44100);
+    }
+
+    void run(float& inLeft, float& inRight)
+    {
+        const double share = type_ == 1 ? 1.0 : 0.5;
+        const double x = (static_cast<double>(inLeft) + static_cast<double>(inRight)) * share;
+        const auto conditioned = static_cast<float>(high_.run(low_.run(x)));
+        ring_.write(&conditioned, 1);
+        ReverbBuffer earlyLeft, earlyRight, tap{}, sumLeft{}, sumRight{};
+        early_.render(ring_, 1, earlyLeft, earlyRight);
+        tap[0] = *ring_.at(type_ == 2 ? early_.lastDiffuseDelay() - 521 - 54 + 1 : kPreDelay);
+        runLines(tap, sumLeft, sumRight);
+
+        const double sine = 0.999 * std::sin(2.0 * kPi * (phase_ >> 21) / 2048.0);
+        phase_ += static_cast<std::uint32_t>(4294967296.0 / kRate * 0.5);
+        const double level = type_ == 1 ? static_cast<double>(lines_.mixedLevel()) : 1.0;
+        const double tail = type_ == 1 ? 1.0 : 0.0625;
+        const double l = left_.run(static_cast<double>(sumLeft[0]) * level, 2.0 * sine) * tail +
+                         static_cast<double>(earlyLeft[0]);
+        history_.push_back(right_.run(static_cast<double>(sumRight[0]) * level, 2.0 * sine) * tail +
+                           static_cast<double>(earlyRight[0]));
+        const double r = history_[history_.size() - 1 - (type_ == 2 ? 0 : kSpread)];
+        inLeft = static_cast<float>((1.0 - wet_) * static_cast<double>(inLeft) + wet_ * l);
+        inRight = static_cast<float>((1.0 - wet_) * static_cast<double>(inRight) + wet_ * r);
+    }
+
+private:
+    void runLines(const ReverbBuffer& tap, ReverbBuffer& left, ReverbBuffer& right)
+    {
+        if (type_ == 1)
+            lines_.runMixed(1, tap, left, right);
+        else if (type_ == 2)
+            lines_.runLong(kHalfWeights, damping_, 1, tap, left, right);
+        else
+            lines_.runLong(kParallelWeights, damping_, 1, tap, left, right);
+    }
+
+    int type_;
+    const ReverbRow& row_;
+    PlainOnePole low_, high_;
+    float damping_;
+    double wet_;
+    PlainDiffuser left_, right_;
+    ReverbLines lines_;
+    EarlyReflections early_;
+    InputRing ring_;
+    std::uint32_t phase_ = 0;
+    std::vector<double> history_ = std::vector<double>(kSpread);
+};
+
+TEST(Reverb, everyTypeFollowsItsDefinitionFromInputToOutput)
+{
+    for (int type = 0; type < kReverbTypeCount; ++type) {
+        SCOPED_TRACE(kReverbTypes[static_cast<std::size_t>(type)].name);
+        const Settings settings;
+        Random random(3);
+        FxReverb reverb(random);
+        reverb.setParameter(FxReverb::type, static_cast<float>(type) / 4.0f);
+        reverb.setParameter(FxReverb::preDelay, 0.105f);
+        reverb.setParameter(FxReverb::decay, static_cast<float>(settings.decay));
+        reverb.setParameter(FxReverb::damp, static_cast<float>(settings.damp));
+        reverb.setParameter(FxReverb::lowCut, static_cast<float>(settings.lowCut));
+        reverb.setParameter(FxReverb::amount, static_cast<float>(settings.amount));
+        PlainReverb plain(type, settings);
+
+        Stereo s = Stereo::noise(20000, 0.5f);
+        std::fill_n(s.left.begin(), 64, 0.0f); // the first block, in which the pre-delay fades in
+        std::fill_n(s.right.begin(), 64, 0.0f);
+        Stereo expected = s;
+        s.inBlocks([&](int n, float* const* ch) { reverb.process(n, ch); });
+        for (std::size_t i = 0; i < expected.left.size(); ++i)
+            plain.run(expected.left[i], expected.right[i]);
+        EXPECT_LT(distance(s.left, expected.left), 3e-5f);
+        EXPECT_LT(distance(s.right, expected.right), 3e-5f);
+    }
+}
+
+} // namespace
+} // namespace tolm
