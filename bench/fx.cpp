@@ -60,6 +60,7 @@ constexpr Case kCases[] = {
     {"delay/PP 50%", EffectKind::delay, kDelayType, eighth(3)},
     {"delay/Multi-Tap", EffectKind::delay, kDelayType, eighth(6)},
     {"delay/Diffuse", EffectKind::delay, kDelayType, eighth(7)},
+    {"delay/Diffuse swept", EffectKind::delay, kDelayType, eighth(7), 0.1f},
     {"reverb/Diffuse-1", EffectKind::reverb, kReverbType, quarter(0)},
     {"reverb/Diffuse-2", EffectKind::reverb, kReverbType, quarter(1)},
     {"reverb/Room", EffectKind::reverb, kReverbType, quarter(2)},

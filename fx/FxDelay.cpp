@@ -1,14 +1,12 @@
 #include "fx/FxDelay.h"
 
 #include <algorithm>
-#include <bit>
 
 namespace tolm {
 
 namespace {
 
-constexpr std::uint32_t kRingMask = FxDelay::kRingFrames - 1;
-constexpr double kLongestRight = FxDelay::kRingFrames - 2.0;
+constexpr double kLongestRight = kDelayRingFrames - 2.0;
 constexpr double kSlowestTempo = 1.0;
 constexpr double kFastestTempo = 1000.0;
 constexpr float kMostSweep = 1000.0f; // more depth than the modulation matrix can add up to
@@ -29,38 +27,6 @@ constexpr float kRingLimit = 256.0f;
 float limitWrite(float value)
 {
     return std::min(std::max(-kRingLimit, value), kRingLimit);
-}
-
-// Integer and fractional delay of both taps. Adding 1.5 * 2^42 makes a double count in 1/1024, so
-// the integer part is read from its bits, faster than by floor().
-struct TapTime {
-    std::uint32_t frames;
-    float fraction;
-};
-TapTime splitDelay(double delayFrames)
-{
-    constexpr double kMagic = 6597069766656.0;
-    const std::int64_t steps =
-        std::bit_cast<std::int64_t>(delayFrames + kMagic) - std::bit_cast<std::int64_t>(kMagic);
-    const std::int64_t whole = steps >> 10;
-    return {static_cast<std::uint32_t>(whole),
-            static_cast<float>(delayFrames - static_cast<double>(whole))};
-}
-
-TapTime sweptDelay(const FxDelay::Block& block, std::uint32_t phase)
-{
-    const std::uint32_t i = phase >> kTableShift;
-    const float f = static_cast<float>((phase >> 5) & 0xFFFF) / 65536.0f;
-    const float* table = block.modulation.table;
-    const float m = table[i] * (1.0f - f) + table[(i + 1) & kTableMask] * f;
-    return splitDelay(static_cast<double>(m) * block.sweepFrames + block.delayFrames);
-}
-
-float readTap(const float* ring, std::uint32_t base, const TapTime& time)
-{
-    const float newer = ring[(base - time.frames) & kRingMask];
-    const float older = ring[(base - time.frames - 1) & kRingMask];
-    return newer * (1.0f - time.fraction) + older * time.fraction;
 }
 
 // What one frame of a mode gets and gives.
@@ -91,17 +57,14 @@ float colourFlushed(OnePoleMemory& filter, const OnePole& coefficients, float x)
 // Separate sides. Feedback is subtracted.
 template <bool diffuse>
 struct Sides {
+    static constexpr bool kDiffuses = diffuse;
     static constexpr bool kRightFromLeftRing = false;
     static constexpr bool kWritesRight = true;
 
     template <bool pass>
-    static void run(FxDelay::Filters& filters, [[maybe_unused]] FxDelay::Diffusers& diffusers,
-                    const FxDelay::Block& b, float tapLeft, float tapRight, Frame& frame)
+    static void run(FxDelay::Filters& filters, const FxDelay::Block& b, float tapLeft,
+                    float tapRight, Frame& frame)
     {
-        if constexpr (diffuse) {
-            tapLeft = diffusers[0][1].run(diffusers[0][0].run(tapLeft));
-            tapRight = diffusers[1][1].run(diffusers[1][0].run(tapRight));
-        }
         const float left = colourFlushed<pass>(filters[0], b.colour, tapLeft);
         const float right = colourFlushed<pass>(filters[1], b.colour, tapRight);
         frame.outLeft = left;
@@ -115,12 +78,13 @@ struct Sides {
 // left, and back. Each output has the opposite tap and a share of its own. Only the way from left
 // to right is coloured.
 struct PingPong {
+    static constexpr bool kDiffuses = false;
     static constexpr bool kRightFromLeftRing = false;
     static constexpr bool kWritesRight = true;
 
     template <bool pass>
-    static void run(FxDelay::Filters& filters, FxDelay::Diffusers&, const FxDelay::Block& b,
-                    float tapLeft, float tapRight, Frame& frame)
+    static void run(FxDelay::Filters& filters, const FxDelay::Block& b, float tapLeft,
+                    float tapRight, Frame& frame)
     {
         const float left = colour<pass>(filters[0], b.colour, tapLeft);
         const float right = flushTiny(tapRight);
@@ -134,12 +98,13 @@ struct PingPong {
 
 // Two taps on the left ring, which alone is written. Here feedback is added.
 struct MultiTap {
+    static constexpr bool kDiffuses = false;
     static constexpr bool kRightFromLeftRing = true;
     static constexpr bool kWritesRight = false;
 
     template <bool pass>
-    static void run(FxDelay::Filters& filters, FxDelay::Diffusers&, const FxDelay::Block& b,
-                    float tapLeft, float tapRight, Frame& frame)
+    static void run(FxDelay::Filters& filters, const FxDelay::Block& b, float tapLeft,
+                    float tapRight, Frame& frame)
     {
         const float left = colourFlushed<pass>(filters[0], b.colour, tapLeft);
         const float right = colourFlushed<pass>(filters[1], b.colour, tapRight);
@@ -150,39 +115,75 @@ struct MultiTap {
     }
 };
 
-template <class Mode, bool pass, bool swept>
-void runMode(FxDelay::State& state, const FxDelay::Block& settings, float* left, float* right)
+// A stretch whose taps stay clear of it. `first` is its place in the chunk.
+template <class Mode, bool pass, class Times>
+void runStretch(FxDelay::State& state, const FxDelay::Block& block, const Times& times, int first,
+                int frames, float* left, float* right)
 {
-    // Copies, which stores to the rings cannot touch.
-    const FxDelay::Block block = settings;
-    FxDelay::Filters filters = state.filters;
     float* const leftRing = state.rings[0].data();
     float* const rightRing = state.rings[1].data();
     std::uint32_t position = state.writePosition;
-    std::uint32_t rightBase = block.rightBase;
-    std::uint32_t phase = block.modulation.phase;
-    const auto increment = static_cast<std::uint32_t>(block.modulation.increment);
-    const TapTime still = splitDelay(block.delayFrames);
-    for (int i = 0; i < block.frames; ++i) {
-        const TapTime time = swept ? sweptDelay(block, phase) : still;
-        phase += increment;
-        const float tapLeft = readTap(leftRing, position, time);
-        const float tapRight =
-            readTap(Mode::kRightFromLeftRing ? leftRing : rightRing, rightBase, time);
-
+    DelayChunk tapLeft, tapRight;
+    times.read(leftRing, position, first, frames, tapLeft);
+    times.read(Mode::kRightFromLeftRing ? leftRing : rightRing, position + block.ahead, first,
+               frames, tapRight);
+    if constexpr (Mode::kDiffuses)
+        for (std::size_t k = 0; k < 2; ++k) {
+            state.diffusers[0][k].run(frames, tapLeft.data());
+            state.diffusers[1][k].run(frames, tapRight.data());
+        }
+    FxDelay::Filters filters = state.filters; // a copy, which stores to the rings cannot touch
+    for (int i = 0; i < frames; ++i) {
+        const auto n = static_cast<std::size_t>(i);
         Frame frame{left[i], right[i], 0.0f, 0.0f, 0.0f, 0.0f};
-        Mode::template run<pass>(filters, state.diffusers, block, tapLeft, tapRight, frame);
+        Mode::template run<pass>(filters, block, tapLeft[n], tapRight[n], frame);
         left[i] = frame.inLeft * block.dry + frame.outLeft * block.wet;
         right[i] = frame.inRight * block.dry + frame.outRight * block.wet;
-
         leftRing[position] = limitWrite(frame.writeLeft);
         if constexpr (Mode::kWritesRight)
             rightRing[position] = limitWrite(frame.writeRight);
-        position = (position + 1) & kRingMask;
-        ++rightBase;
+        position = (position + 1) & kDelayRingMask;
     }
     state.filters = filters;
     state.writePosition = position;
+}
+
+void setTimes(StillTime& still, const FxDelay::Block& block, std::uint32_t&, int)
+{
+    still.time = splitDelay(block.delayFrames);
+}
+void setTimes(SweptTimes& swept, const FxDelay::Block& block, std::uint32_t& phase, int frames)
+{
+    DelayChunk lfo;
+    for (int i = 0; i < frames; ++i) {
+        lfo[static_cast<std::size_t>(i)] = sweepAt(block.modulation.table, phase);
+        phase += static_cast<std::uint32_t>(block.modulation.increment);
+    }
+    for (int i = 0; i < frames; ++i) {
+        const auto n = static_cast<std::size_t>(i);
+        const TapTime time =
+            splitDelay(static_cast<double>(lfo[n]) * block.sweepFrames + block.delayFrames);
+        swept.whole[n] = time.frames;
+        swept.fraction[n] = time.fraction;
+    }
+}
+
+// A sweep can bring a tap close to the write position; then frame follows frame.
+template <class Mode, bool pass, class Times>
+void runMode(FxDelay::State& state, const FxDelay::Block& settings, float* left, float* right)
+{
+    const FxDelay::Block block = settings;
+    std::uint32_t phase = block.modulation.phase;
+    for (int done = 0; done < block.frames; done += kDelayChunk) {
+        const int frames = std::min(kDelayChunk, block.frames - done);
+        Times times;
+        setTimes(times, block, phase, frames);
+        const bool clear = times.stayClear(frames, 0) && times.stayClear(frames, block.ahead);
+        const int stretch = clear ? frames : 1;
+        for (int i = 0; i < frames; i += stretch)
+            runStretch<Mode, pass>(state, block, times, i, stretch, left + done + i,
+                                   right + done + i);
+    }
 }
 
 using RunMode = void (*)(FxDelay::State&, const FxDelay::Block&, float*, float*);
@@ -193,8 +194,8 @@ struct ModeRow {
 template <class Mode>
 constexpr ModeRow modeRow(float ownShare = 0.0f)
 {
-    return {{{runMode<Mode, false, false>, runMode<Mode, false, true>},
-             {runMode<Mode, true, false>, runMode<Mode, true, true>}},
+    return {{{runMode<Mode, false, StillTime>, runMode<Mode, false, SweptTimes>},
+             {runMode<Mode, true, StillTime>, runMode<Mode, true, SweptTimes>}},
             ownShare};
 }
 constexpr std::array<ModeRow, FxDelay::kModeCount> kModes = {
@@ -214,7 +215,7 @@ constexpr std::array<ModeRow, FxDelay::kModeCount> kModes = {
 FxDelay::FxDelay()
 {
     for (auto& ring : state_.rings)
-        ring.assign(kRingFrames, 0.0f);
+        ring.assign(kDelayRingFrames, 0.0f);
     setSampleRate(44100.0);
 }
 
@@ -241,7 +242,7 @@ void FxDelay::reset()
         std::fill(ring.begin(), ring.end(), 0.0f);
     for (auto& channel : state_.diffusers) {
         for (DelayDiffuser& diffuser : channel) {
-            std::fill(diffuser.cells.begin(), diffuser.cells.end(), 0.0f);
+            diffuser.cells.fill(0.0f);
             diffuser.index = 0;
         }
     }
@@ -302,11 +303,10 @@ void FxDelay::process(int frames, float* const* channels, float tempo,
     // A left time beyond the ring wraps around it; only the right one is held.
     const double left = noteFrames(stepsLeft_, saneBpm);
     const double right = std::min(noteFrames(stepsRight_, saneBpm), kLongestRight);
-    const auto ahead = static_cast<std::int64_t>(left - right);
 
     Block block;
     block.frames = frames;
-    block.rightBase = state_.writePosition + static_cast<std::uint32_t>(ahead);
+    block.ahead = static_cast<std::uint32_t>(static_cast<std::int64_t>(left - right));
     block.modulation = modulation;
     const float depth =
         modulation.table == nullptr ? 0.0f : std::clamp(modulation.depth, -kMostSweep, kMostSweep);

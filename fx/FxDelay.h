@@ -4,6 +4,7 @@
 
 #include "fx/DelayModulation.h"
 #include "fx/Module.h"
+#include "fx/delayTaps.h"
 #include "fx/onePoleMemory.h"
 
 #include <array>
@@ -12,31 +13,12 @@
 
 namespace tolm {
 
-// All-pass that smears a repeat. The cells are this effect's; the length follows the rate.
-struct DelayDiffuser {
-    static constexpr int kCells = 8192; // room for 768 kHz
-    std::vector<float> cells = std::vector<float>(kCells);
-    int length = 1;
-    int index = 0;
-
-    float run(float x)
-    {
-        float& cell = cells[static_cast<std::size_t>(index)];
-        const float old = cell;
-        cell = x - 0.2f * old;
-        const float y = -old - 0.2f * cell;
-        index = index + 1 >= length ? 0 : index + 1;
-        return y;
-    }
-};
-
 class FxDelay : public Module {
 public:
     // Each 0..1. The patch's one feedback setting reaches both feedbacks; both sides decay by the
     // first. The second and the pan are accepted and change nothing.
     enum Setting { type, feedback1, steps1, steps2, feedback2, pan2, colour, dryWet };
     static constexpr int kModeCount = 9;
-    static constexpr std::uint32_t kRingFrames = 262144;
 
     // All that a mode's kernel works on.
     using Filters = std::array<OnePoleMemory, 2>;
@@ -50,9 +32,9 @@ public:
     // What holds for one block.
     struct Block {
         int frames = 0;
-        std::uint32_t rightBase = 0; // where the right tap would read without delay
-        double delayFrames = 0.0;    // of the left tap
-        double sweepFrames = 0.0;    // change of it at LFO value 1
+        std::uint32_t ahead = 0;  // of the write position: where the right tap counts from
+        double delayFrames = 0.0; // of the left tap
+        double sweepFrames = 0.0; // change of it at LFO value 1
         DelayModulation modulation;
         OnePole colour;
         float dry = 1.0f, wet = 0.0f;

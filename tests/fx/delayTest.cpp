@@ -246,6 +246,49 @@ TEST(Delay, fullFeedbackOnItsResonanceStaysBounded)
     EXPECT_GT(s.peak(), 200.0f);
 }
 
+// A deep sweep brings the taps across the write position and around the ring; a still time may lie
+// near it or at the ring's end.
+TEST(Delay, blocksOfAnySizeSoundLikeFrameByFrame)
+{
+    struct Row {
+        float depth, tempo;
+        int left, right;
+    };
+    constexpr std::uint32_t kIncrement = 2u << 21;
+    std::array<float, 2048> table;
+    for (std::size_t i = 0; i < table.size(); ++i)
+        table[i] = static_cast<float>(std::sin(2.0 * kPi * static_cast<double>(i) / 2048.0));
+    for (const Row& row :
+         {Row{3.0f, 1000.0f, 20, 19}, Row{-0.4f, 120.0f, kLeftNote, kRightNote},
+          Row{0.0f, 1000.0f, 20, 20}, Row{0.0f, 40.0f, 0, 20}, Row{2.5f, 1.0f, 0, 1}})
+        for (int mode = 0; mode < FxDelay::kModeCount; ++mode)
+            for (const float colour : {0.3f, 0.5f}) {
+                SCOPED_TRACE(testing::Message() << mode << " depth " << row.depth);
+                const auto played = [&](int blockFrames) {
+                    FxDelay delay;
+                    delay.setSampleRate(8000.0);
+                    apply(delay, mode, 0.9f, colour);
+                    delay.setParameter(FxDelay::steps1, note(row.left));
+                    delay.setParameter(FxDelay::steps2, note(row.right));
+                    Stereo s = Stereo::noise(3000, 0.5f);
+                    DelayModulation modulation{kIncrement, 0, row.depth, table.data()};
+                    for (int done = 0; done < s.frames(); done += blockFrames) {
+                        const int count = std::min(blockFrames, s.frames() - done);
+                        float* channels[] = {s.left.data() + done, s.right.data() + done};
+                        delay.process(count, channels, row.tempo, modulation);
+                        modulation.phase += kIncrement * static_cast<std::uint32_t>(count);
+                    }
+                    return s;
+                };
+                const Stereo frameByFrame = played(1);
+                for (const int blockFrames : {37, 64, 1000}) {
+                    const Stereo blocks = played(blockFrames);
+                    EXPECT_EQ(distance(blocks.left, frameByFrame.left), 0.0f) << blockFrames;
+                    EXPECT_EQ(distance(blocks.right, frameByFrame.right), 0.0f) << blockFrames;
+                }
+            }
+}
+
 TEST(Delay, resetLeavesNoTrace)
 {
     for (int mode = 0; mode < FxDelay::kModeCount; ++mode) {
