@@ -142,6 +142,26 @@ TEST(Phaser, resetForgetsTheNetworkAndRestartsTheSweep)
     EXPECT_EQ(a.right, b.right);
 }
 
+// The lines empty themselves when their level is 0, and only then.
+TEST(Chorus, resetLeavesTheLinesAlone)
+{
+    const Settings settings{0.4f, 0.5f, 0.8f, 0.7f, 1.0f};
+    FxVintagePhaser interrupted, steady;
+    for (FxVintagePhaser* p : {&interrupted, &steady}) {
+        apply(*p, 5, settings);
+        Stereo s = Stereo::noise(3000, 1.0f);
+        run(*p, s);
+    }
+    interrupted.reset();
+    Stereo a(3000);
+    Stereo b = a;
+    run(interrupted, a);
+    run(steady, b);
+    EXPECT_EQ(a.left, b.left);
+    EXPECT_EQ(a.right, b.right);
+    EXPECT_GT(a.peak(), 0.01f);
+}
+
 TEST(Chorus, delayTimesAndSignsOfTheFourModes)
 {
     constexpr double kDelays[] = {0.1, 0.1, 0.2, 0.3};
