@@ -68,7 +68,8 @@ std::vector<fs::path> soundFiles(const fs::path& directory)
     std::error_code error;
     for (const fs::directory_entry& entry : fs::directory_iterator(directory, error)) {
         const fs::path name = entry.path().filename();
-        if (name.extension() == ".toml" && name != kInitFile && name != kPlanFile)
+        if (name.extension() == ".toml" && name != kInitFile && name != kPlanFile &&
+            name != kExceptionFile)
             files.push_back(entry.path());
     }
     if (error)

@@ -14,6 +14,7 @@ namespace tolm {
 
 inline constexpr const char* kInitFile = "init.toml";
 inline constexpr const char* kPlanFile = "bank.toml";
+inline constexpr const char* kExceptionFile = "exceptions.toml"; // from the rules of tools/audition
 
 // One clear line for the person at the terminal.
 struct Failure : std::runtime_error {

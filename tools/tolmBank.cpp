@@ -4,6 +4,8 @@
 #include "patch/programStore.h"
 #include "plugin/catalogue.h"
 #include "plugin/menus.h"
+#include "tools/audition/descriptors.h"
+#include "tools/audition/figures.h"
 #include "tools/audition/level.h"
 #include "tools/bankFiles.h"
 #include "tools/soundFiles.h"
@@ -40,13 +42,6 @@ std::string categoryFile(int category)
     name.erase(std::remove(name.begin(), name.end(), ' '), name.end());
     name.front() = static_cast<char>(std::tolower(static_cast<unsigned char>(name.front())));
     return name + ".toml";
-}
-
-int categoryOf(const ProgramRecord& record)
-{
-    const float value = record.values[kPatchCategory];
-    const bool known = value >= 0.0f && value < static_cast<float>(std::size(kCategoryNames));
-    return known ? static_cast<int>(value) : 0;
 }
 
 std::vector<ProgramRecord> programsOfCategory(const FactoryImage& image, int category)
@@ -112,13 +107,30 @@ constexpr Command kCommands[] = {
     {"text", "Write a program or bank file as readable text", "FILE", "TEXT", writeTextOfFile},
 };
 
-void addLevelCommand(CLI::App& app, std::string& source, std::string& program)
+// What the commands that play sounds share.
+struct AuditionArguments {
+    std::string source;
+    SoundChoice choice;
+};
+
+CLI::App* addAuditionCommand(CLI::App& app, AuditionArguments& arguments, const char* name,
+                             const char* help)
 {
-    CLI::App* sub =
-        app.add_subcommand("level", "Set every Volume so that programs are equally loud");
-    sub->add_option("source", source, "DIR")->required();
-    sub->add_option("--program", program, "Only the program of this name");
-    sub->callback([&source, &program] { levelDirectory(source, program); });
+    CLI::App* sub = app.add_subcommand(name, help);
+    sub->add_option("source", arguments.source, "DIR")->required();
+    sub->add_option("--category", arguments.choice.categories, "Only programs of this category");
+    sub->add_option("--program", arguments.choice.programs, "Only the program of this name");
+    return sub;
+}
+
+void addAuditionCommands(CLI::App& app, AuditionArguments& arguments)
+{
+    addAuditionCommand(app, arguments, "level",
+                       "Set every Volume so that programs are equally loud")
+        ->callback([&] { levelDirectory(arguments.source, arguments.choice); });
+    addAuditionCommand(app, arguments, "figures",
+                       "Print what programs measure and mark what their category does not accept")
+        ->callback([&] { printFigures(arguments.source, arguments.choice); });
 }
 
 int runCommandLine(int argc, char** argv)
@@ -128,8 +140,8 @@ int runCommandLine(int argc, char** argv)
     app.require_subcommand(1);
     std::string source;
     std::string output;
-    std::string program;
-    addLevelCommand(app, source, program);
+    AuditionArguments arguments;
+    addAuditionCommands(app, arguments);
     for (const Command& command : kCommands) {
         CLI::App* sub = app.add_subcommand(command.name, command.help);
         sub->add_option("source", source, command.source)->required();

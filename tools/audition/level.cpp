@@ -2,11 +2,10 @@
 
 #include "patch/soundTextRules.h"
 #include "plugin/catalogue.h"
+#include "tools/audition/descriptors.h"
 #include "tools/audition/measure.h"
 #include "tools/audition/parallel.h"
 #include "tools/soundFiles.h"
-
-#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -29,11 +28,6 @@ struct Solution {
     double reached = 0.0;    // loudness with it
     bool heldByPeak = false; // quieter than its target, or six keys would clip
 };
-
-int categoryOf(const ProgramRecord& record)
-{
-    return static_cast<int>(record.values[kPatchCategory]);
-}
 
 double measuredLoudness(const ProgramRecord& record)
 {
@@ -124,14 +118,6 @@ void rewriteFile(const std::string& file, const std::map<std::size_t, double>& v
     writeFile(file, text);
 }
 
-void showProgress(std::size_t done, std::size_t count)
-{
-    if (isatty(STDERR_FILENO) == 1)
-        std::fprintf(stderr, "\r\033[K%s", done == count ? "" : "levelling ");
-    if (isatty(STDERR_FILENO) == 1 && done != count)
-        std::fprintf(stderr, "%zu of %zu", done, count);
-}
-
 void printSolution(const Sound& sound, const Solution& s)
 {
     const LoudnessTarget target = loudnessTarget(categoryOf(sound.record));
@@ -143,19 +129,13 @@ void printSolution(const Sound& sound, const Solution& s)
 
 } // namespace
 
-void levelDirectory(const std::filesystem::path& directory, const std::string& program)
+void levelDirectory(const std::filesystem::path& directory, const SoundChoice& choice)
 {
-    std::vector<Sound> sounds = readDirectory(directory);
-    if (!program.empty())
-        std::erase_if(sounds, [&](const Sound& s) { return withoutMark(nameOf(s.record)) != program; });
-    if (sounds.empty())
-        throw Failure(program.empty() ? directory.string() + ": no sounds"
-                                      : "there is no program called \"" + program + "\"");
+    const std::vector<Sound> sounds = chosenSounds(directory, choice);
     std::vector<Solution> solutions(sounds.size());
     forAll(
         sounds.size(), [&](std::size_t i) { solutions[i] = solve(sounds[i].record); },
-        [&](std::size_t done) { showProgress(done, sounds.size()); });
-    showProgress(sounds.size(), sounds.size());
+        [&](std::size_t done) { showProgress("levelling", done, sounds.size()); });
     std::map<std::string, std::map<std::size_t, double>> changes;
     for (std::size_t i = 0; i < sounds.size(); ++i) {
         printSolution(sounds[i], solutions[i]);

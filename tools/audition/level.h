@@ -1,13 +1,12 @@
 #pragma once
 // Makes the programs of a directory equally loud by their Volume lines.
 
-#include <filesystem>
-#include <string>
+#include "tools/audition/choice.h"
 
 namespace tolm {
 
-// All programs, or the one of that name. Rewrites the files that change, line by line; prints what
-// changed and which programs could not reach their target.
-void levelDirectory(const std::filesystem::path& directory, const std::string& program);
+// Rewrites the files that change, line by line; prints what changed and which programs could not
+// reach their target.
+void levelDirectory(const std::filesystem::path& directory, const SoundChoice& choice);
 
 } // namespace tolm

@@ -1,5 +1,8 @@
 #include "tools/audition/measure.h"
 
+#include "tools/audition/envelope.h"
+#include "tools/audition/spectrum.h"
+
 #include <ebur128.h>
 
 #include <algorithm>
@@ -15,8 +18,7 @@ namespace {
 
 constexpr double kNothing = -std::numeric_limits<double>::infinity();
 constexpr std::size_t kMeterStep = kAuditionRateHz / 20;
-constexpr std::size_t kEnvelopeStep = kAuditionRateHz / 200; // 5 ms
-constexpr std::size_t kSpectrumSize = 4096;
+constexpr double kUsualAttackSeconds = 0.5;
 
 struct MeterCloser {
     void operator()(ebur128_state* state) const { ebur128_destroy(&state); }
@@ -52,33 +54,6 @@ double energyOver(ebur128_state* meter, std::size_t frames)
     return std::pow(10.0, level / 10.0) * static_cast<double>(frames);
 }
 
-std::vector<double> envelopeOf(const Rendering& r)
-{
-    std::vector<double> envelope;
-    for (std::size_t i = 0; i + kEnvelopeStep <= r.left.size(); i += kEnvelopeStep) {
-        double sum = 0.0;
-        for (std::size_t k = i; k < i + kEnvelopeStep; ++k) {
-            const double left = static_cast<double>(r.left[k]);
-            const double right = static_cast<double>(r.right[k]);
-            sum += left * left + right * right;
-        }
-        envelope.push_back(std::sqrt(sum / (2.0 * kEnvelopeStep)));
-    }
-    return envelope;
-}
-
-double attackMsOf(const std::vector<double>& envelope, double stepMs)
-{
-    const auto end = envelope.begin() + std::min<std::ptrdiff_t>(100, std::ssize(envelope));
-    if (envelope.begin() == end)
-        return 0.0;
-    const double top = *std::max_element(envelope.begin(), end);
-    const auto reaches = [&](double share) {
-        return std::find_if(envelope.begin(), end, [&](double e) { return e >= share * top; });
-    };
-    return static_cast<double>(reaches(0.9) - reaches(0.1)) * stepMs;
-}
-
 double fadeSecondsOf(const Rendering& r, double peak)
 {
     const double limit = peak * 1e-3;
@@ -87,54 +62,6 @@ double fadeSecondsOf(const Rendering& r, double peak)
         if (std::max(std::fabs(r.left[i]), std::fabs(r.right[i])) > static_cast<float>(limit))
             last = i;
     return static_cast<double>(last - r.keyUpFrame) / kAuditionRateHz;
-}
-
-double centroidOf(const Rendering& r)
-{
-    std::vector<double> sum(kSpectrumSize / 2 + 1, 0.0);
-    const std::size_t end = std::min(r.keyUpFrame, r.left.size());
-    for (std::size_t i = 0; i + kSpectrumSize <= end; i += kSpectrumSize / 2)
-        for (const auto* channel : {&r.left, &r.right}) {
-            const auto power =
-                powerSpectrum(std::span(*channel).subspan(i, kSpectrumSize), kSpectrumSize);
-            for (std::size_t bin = 0; bin < power.size(); ++bin)
-                sum[bin] += power[bin];
-        }
-    double weighted = 0.0;
-    double total = 0.0;
-    for (std::size_t bin = 0; bin < sum.size(); ++bin) {
-        const double hz = static_cast<double>(bin) * kAuditionRateHz / kSpectrumSize;
-        if (hz < 20.0 || hz > 16000.0)
-            continue;
-        weighted += hz * sum[bin];
-        total += sum[bin];
-    }
-    return total > 0.0 ? weighted / total : 0.0;
-}
-
-// In place, the size a power of two: bit reversal, then butterflies.
-void fourier(std::vector<std::complex<double>>& x)
-{
-    for (std::size_t i = 1, j = 0; i < x.size(); ++i) {
-        std::size_t bit = x.size() / 2;
-        for (; (j & bit) != 0; bit /= 2)
-            j ^= bit;
-        j ^= bit;
-        if (i < j)
-            std::swap(x[i], x[j]);
-    }
-    for (std::size_t length = 2; length <= x.size(); length *= 2) {
-        const std::complex<double> turn =
-            std::polar(1.0, -2.0 * std::numbers::pi / static_cast<double>(length));
-        for (std::size_t start = 0; start < x.size(); start += length) {
-            std::complex<double> w = 1.0;
-            for (std::size_t k = start; k < start + length / 2; ++k, w *= turn) {
-                const std::complex<double> odd = x[k + length / 2] * w;
-                x[k + length / 2] = x[k] - odd;
-                x[k] += odd;
-            }
-        }
-    }
 }
 
 struct Sums {
@@ -206,9 +133,9 @@ Figures figuresOf(const Rendering& rendering)
     f.finite = sums.finite;
     f.peakDb = decibels(sums.peak);
     f.dcDb = decibels(std::max(std::fabs(sums.left), std::fabs(sums.right)) / held);
-    f.attackMs = attackMsOf(envelopeOf(rendering), 1000.0 * kEnvelopeStep / kAuditionRateHz);
+    f.attackMs = attackMs(envelopeOf(rendering), kUsualAttackSeconds);
     f.fadeSeconds = fadeSecondsOf(rendering, sums.peak);
-    f.centroidHz = centroidOf(rendering);
+    f.centroidHz = tolm::centroidHz(spectraOf(rendering, 0, rendering.keyUpFrame));
     f.widthDb = decibels(std::sqrt(sums.side / std::max(sums.mid, 1e-30)));
     f.monoLossDb = decibels(std::sqrt((sums.mid + sums.side) / std::max(sums.mid, 1e-30)));
     return f;
@@ -217,21 +144,6 @@ Figures figuresOf(const Rendering& rendering)
 double decibels(double amplitude)
 {
     return 20.0 * std::log10(std::max(amplitude, 1e-10));
-}
-
-std::vector<double> powerSpectrum(std::span<const float> signal, std::size_t size)
-{
-    std::vector<std::complex<double>> x(size);
-    for (std::size_t i = 0; i < std::min(size, signal.size()); ++i) {
-        const double turn = static_cast<double>(i) / static_cast<double>(size);
-        x[i] =
-            static_cast<double>(signal[i]) * (0.5 - 0.5 * std::cos(2.0 * std::numbers::pi * turn));
-    }
-    fourier(x);
-    std::vector<double> power(size / 2 + 1);
-    for (std::size_t bin = 0; bin < power.size(); ++bin)
-        power[bin] = std::norm(x[bin]);
-    return power;
 }
 
 } // namespace tolm

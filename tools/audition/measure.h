@@ -3,10 +3,6 @@
 
 #include "tools/audition/play.h"
 
-#include <array>
-#include <complex>
-#include <span>
-
 namespace tolm {
 
 // Loudness after ITU-R BS.1770; the whole phrase up to the last key-up without gating, the two
@@ -33,8 +29,5 @@ struct Figures {
 Figures figuresOf(const Rendering& rendering);
 
 double decibels(double amplitude);
-
-// Power spectra, `size` a power of two; bins 0..size/2, Hann window.
-std::vector<double> powerSpectrum(std::span<const float> signal, std::size_t size);
 
 } // namespace tolm

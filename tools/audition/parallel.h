@@ -11,7 +11,8 @@
 namespace tolm {
 
 // Calls work(0) .. work(count - 1), in any order, from as many threads as there are cores, and
-// progress(done) from the calling thread only. The first exception stops the rest and is rethrown.
+// progress(done) from the calling thread only, at the end with all. The first exception stops the
+// rest and is rethrown.
 template <class Work, class Progress>
 void forAll(std::size_t count, Work&& work, Progress&& progress)
 {
@@ -41,6 +42,7 @@ void forAll(std::size_t count, Work&& work, Progress&& progress)
     }
     if (failure)
         std::rethrow_exception(failure);
+    progress(count);
 }
 
 } // namespace tolm
