@@ -38,8 +38,6 @@ Figures strike(const ProgramRecord& program, int velocity, double seconds, doubl
     return figuresOf(play(program, heldKeys(kMiddleKey, seconds, velocity), tailSeconds));
 }
 
-// The stroke that is played to its end comes last but one: the synth is used again, and what a cut
-// sound leaves in the effects must not count as noise of the next program.
 Heard hear(const ProgramRecord& program)
 {
     Heard heard;

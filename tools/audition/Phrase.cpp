@@ -16,28 +16,32 @@ struct CategoryRow {
     double chordSeconds;  // the keys together, 0 for not at all
     double singleSeconds; // then each of them alone, 0 for not at all
     LoudnessTarget target;
+    int hardestKeys; // of kSixKeys
 };
 
-constexpr LoudnessTarget kPhraseTarget{};
-constexpr LoudnessTarget kDrumTarget{LoudnessKind::momentary, -16.0, 2.0};
-constexpr LoudnessTarget kEffectTarget{LoudnessKind::shortTerm, -18.0, 3.0};
+constexpr LoudnessTarget kSteadyTarget{};
+constexpr LoudnessTarget kKeysTarget{LoudnessKind::wholePhrase, -18.0, 1.0, 3.0};
+constexpr LoudnessTarget kStruckTarget{LoudnessKind::wholePhrase, -18.0, 1.0, 5.0};
+constexpr LoudnessTarget kDrumTarget{LoudnessKind::momentary, -16.0, 2.0, 3.0};
+constexpr LoudnessTarget kEffectTarget{LoudnessKind::shortTerm, -18.0, 3.0, 3.0};
+constexpr int kSixKeys[] = {48, 55, 59, 64, 67, 52};
 
 // Key 60 is C4. Chord programs make a chord of every key, so their keys come one by one.
 const CategoryRow kRows[] = {
-    {{48, 52, 55, 59}, 2.0, 0.4, kPhraseTarget},                // ---
-    {{48, 52, 55}, 8.0, 0.0, kPhraseTarget},                    // Arpeggiated
-    {{28, 31, 33, 36}, 0.0, 0.8, kPhraseTarget},                // Bass
-    {{48, 53, 55, 48}, 0.0, 1.0, kPhraseTarget},                // Chords
-    {{36, 36, 36, 36, 36, 36, 36, 36}, 0.0, 0.25, kDrumTarget}, // Drums
-    {{48, 52, 55, 59}, 2.0, 0.4, kPhraseTarget},                // Keyboards
-    {{60, 64, 67, 72}, 0.0, 0.8, kPhraseTarget},                // Leads
-    {{60, 64, 67, 72}, 0.0, 0.5, kPhraseTarget},                // Mallets
-    {{48, 52, 55, 59}, 8.0, 0.0, kPhraseTarget},                // Pads
-    {{60, 64, 67, 72}, 0.0, 0.5, kPhraseTarget},                // Plucked
-    {{60}, 4.0, 0.0, kEffectTarget},                            // Sound Effects
-    {{48, 52, 55, 59}, 2.0, 0.4, kPhraseTarget},                // Synths
-    {{48, 52, 55, 59}, 8.0, 0.0, kPhraseTarget},                // Textures
-    {{60, 64, 67, 72}, 0.0, 0.8, kPhraseTarget},                // Wind
+    {{48, 52, 55, 59}, 2.0, 0.4, kSteadyTarget, 6},                // ---
+    {{48, 52, 55}, 8.0, 0.0, kSteadyTarget, 4},                    // Arpeggiated
+    {{28, 31, 33, 36}, 0.0, 0.8, kSteadyTarget, 2},                // Bass
+    {{48, 53, 55, 48}, 0.0, 1.0, kKeysTarget, 2},                  // Chords
+    {{36, 36, 36, 36, 36, 36, 36, 36}, 0.0, 0.25, kDrumTarget, 1}, // Drums
+    {{48, 52, 55, 59}, 2.0, 0.4, kKeysTarget, 6},                  // Keyboards
+    {{60, 64, 67, 72}, 0.0, 0.8, kSteadyTarget, 6},                // Leads
+    {{60, 64, 67, 72}, 0.0, 0.5, kStruckTarget, 6},                // Mallets
+    {{48, 52, 55, 59}, 8.0, 0.0, kSteadyTarget, 6},                // Pads
+    {{60, 64, 67, 72}, 0.0, 0.5, kStruckTarget, 6},                // Plucked
+    {{60}, 4.0, 0.0, kEffectTarget, 2},                            // Sound Effects
+    {{48, 52, 55, 59}, 2.0, 0.4, kKeysTarget, 6},                  // Synths
+    {{48, 52, 55, 59}, 8.0, 0.0, kSteadyTarget, 6},                // Textures
+    {{60, 64, 67, 72}, 0.0, 0.8, kSteadyTarget, 6},                // Wind
 };
 static_assert(std::size(kRows) == std::size(kCategoryNames));
 
@@ -75,6 +79,12 @@ Phrase categoryPhrase(int category, int velocity)
 LoudnessTarget loudnessTarget(int category)
 {
     return rowOf(category).target;
+}
+
+Phrase hardestPhrase(int category)
+{
+    const auto count = static_cast<std::size_t>(rowOf(category).hardestKeys);
+    return heldKeys(std::span(kSixKeys).first(count), 2.0, 127);
 }
 
 Phrase heldKeys(std::span<const int> keys, double seconds, int velocity)

@@ -22,17 +22,27 @@ struct Phrase {
 // Which figure of a rendering is held against the target.
 enum class LoudnessKind : std::uint8_t { wholePhrase, momentary, shortTerm };
 
-// How loud the programs of a category are meant to be with their phrase at velocity 100.
+// How loud the programs of a category are meant to be with their phrase at velocity 100. Sounds
+// that decay may fall short by more: their strokes are as loud as their peaks allow, and the ear
+// hears the stroke where the measure averages over the whole note.
 struct LoudnessTarget {
     LoudnessKind kind = LoudnessKind::wholePhrase;
     double lufs = -18.0;
-    double toleranceLu = 1.0;
+    double aboveLu = 1.0;
+    double belowLu = 1.0;
+
+    bool accepts(double loudness) const
+    {
+        return loudness >= lufs - belowLu && loudness <= lufs + aboveLu;
+    }
 };
 
 inline constexpr int kAuditionVelocity = 100;
 
 Phrase categoryPhrase(int category, int velocity = kAuditionVelocity);
 LoudnessTarget loudnessTarget(int category);
+// As many keys at velocity 127 as players of the category strike at once, 2 s.
+Phrase hardestPhrase(int category);
 // The keys together, from the start for `seconds`.
 Phrase heldKeys(std::span<const int> keys, double seconds, int velocity = kAuditionVelocity);
 // Nothing but waiting.

@@ -43,7 +43,6 @@ static_assert(std::size(kNotes) == std::size(kCategoryNames));
 constexpr int kWind = 13;
 static_assert(std::string_view(kCategoryNames[kWind]) == "Wind");
 
-constexpr int kSixKeys[] = {48, 52, 55, 59, 62, 67};
 constexpr double kLongestFadeSeconds = 20.0;
 constexpr double kTouchSeconds = 0.7;        // of the notes that compare two ways of playing
 constexpr std::size_t kFineSpectrum = 65536; // tells the harmonics of the lowest key apart
@@ -157,9 +156,9 @@ Descriptors describe(const ProgramRecord& program)
     describeTouch(program, note, d);
     if (category == kWind)
         describeBreath(program, note, d);
-    const Rendering chord = play(program, heldKeys(kSixKeys, 2.0, 127), 0.0);
-    d[D::peak] = figuresOf(chord).peakDb;
-    d.cpuNsPerFrame = chord.cpuNsPerFrame;
+    const Rendering hardest = play(program, hardestPhrase(category), 0.0);
+    d[D::peak] = figuresOf(hardest).peakDb;
+    d.cpuNsPerFrame = hardest.cpuNsPerFrame;
     return d;
 }
 

@@ -45,13 +45,13 @@ struct DescriptorColumn {
 // "note" is the category's reference key held alone, "phrase" what its programs are levelled with.
 inline constexpr DescriptorColumn kDescriptorColumns[] = {
     {"loudness", "LUFS", "loudness of the phrase", 1},
-    {"peak", "peak", "sample peak of a six-note chord at velocity 127, dBFS", 1},
+    {"peak", "peak", "sample peak of the hardest chord at velocity 127, dBFS", 1},
     {"attack", "att ms", "10 to 90 % of the level of the note", 0},
     {"decay", "D20 s", "from the loudest moment to -20 dB with the key held", 2},
     {"release", "rel s", "from the phrase's last key-up to -20 dB", 2},
     {"fade", "fade s", "from the phrase's last key-up to -60 dB", 1},
     {"centroid", "cog Hz", "centre of the note's power from 20 Hz to 16 kHz", 0},
-    {"harmonicity", "harm", "share of the note's power at its harmonics", 2},
+    {"harmonicity", "harm", "share of the note's power at its harmonics", 3},
     {"low share", "low", "share of the note's power below 200 Hz", 2},
     {"flatness", "flat", "geometric over arithmetic mean of the note's spectrum", 3},
     {"width", "width", "side against mid of the phrase, dB", 1},
@@ -69,7 +69,7 @@ static_assert(std::size(kDescriptorColumns) == kDescriptorCount);
 
 struct Descriptors {
     std::array<double, kDescriptorCount> values{};
-    double cpuNsPerFrame = 0.0; // of the six-note chord
+    double cpuNsPerFrame = 0.0; // of the hardest chord
 
     double& operator[](Descriptor d) { return values[static_cast<std::size_t>(d)]; }
     double operator[](Descriptor d) const { return values[static_cast<std::size_t>(d)]; }

@@ -99,10 +99,10 @@ double attackMs(const std::vector<double>& envelope, double withinSeconds)
     std::vector<double> loud;
     std::copy_if(envelope.begin(), end, std::back_inserter(loud),
                  [&](double level) { return level >= kTenth * top; });
-    const auto fifth = loud.begin() + std::ssize(loud) / 5;
-    std::nth_element(loud.begin(), fifth, loud.end(), std::greater<>());
+    const auto middle = loud.begin() + std::ssize(loud) / 2;
+    std::nth_element(loud.begin(), middle, loud.end());
     const auto reaches = [&](double share) {
-        return std::find_if(envelope.begin(), end, [&](double e) { return e >= share * *fifth; });
+        return std::find_if(envelope.begin(), end, [&](double e) { return e >= share * *middle; });
     };
     return static_cast<double>(reaches(0.9) - reaches(0.1)) * kStepSeconds * 1000.0;
 }

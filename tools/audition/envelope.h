@@ -14,8 +14,8 @@ inline constexpr double kNever = std::numeric_limits<double>::infinity();
 // RMS of both channels per step of 5 ms.
 std::vector<double> envelopeOf(const Rendering& rendering);
 
-// 10 to 90 % of the level that the first `withinSeconds` reach, slow swells and beats apart: the
-// level which the louder part of that time exceeds a fifth of the time.
+// 10 to 90 % of the level that the first `withinSeconds` reach: the median of what is louder than a
+// tenth of the loudest, so that slow beats do not count as a rise.
 double attackMs(const std::vector<double>& envelope, double withinSeconds);
 
 // Seconds from the loudest moment before `keyUpFrame` until the level stays 20 dB below it for a

@@ -19,14 +19,13 @@ namespace {
 constexpr int kMaxRounds = 4; // effects that distort do not follow the volume exactly
 constexpr double kCloseEnoughLu = 0.15;
 constexpr double kSmallestVolume = 0.02;
-constexpr double kPeakCeilingDb = -1.0; // of six keys at the hardest stroke
-constexpr std::array kSixKeys = {48, 52, 55, 59, 62, 67};
+constexpr double kPeakCeilingDb = -1.0; // of the hardest phrase
 
 struct Solution {
     double loudness = 0.0;   // as stored so far
     double volume = 0.0;     // to be stored
     double reached = 0.0;    // loudness with it
-    bool heldByPeak = false; // quieter than its target, or six keys would clip
+    bool heldByPeak = false; // quieter than its target, or its hardest phrase would clip
 };
 
 double measuredLoudness(const ProgramRecord& record)
@@ -45,7 +44,7 @@ double volumeChangedBy(double volume, double db)
 
 void limitPeak(ProgramRecord& record, Solution& solution)
 {
-    const double peakDb = figuresOf(play(record, heldKeys(kSixKeys, 2.0, 127), 0.0)).peakDb;
+    const double peakDb = figuresOf(play(record, hardestPhrase(categoryOf(record)), 0.0)).peakDb;
     if (peakDb <= kPeakCeilingDb)
         return;
     solution.heldByPeak = true;
@@ -121,7 +120,7 @@ void rewriteFile(const std::string& file, const std::map<std::size_t, double>& v
 void printSolution(const Sound& sound, const Solution& s)
 {
     const LoudnessTarget target = loudnessTarget(categoryOf(sound.record));
-    const bool off = !(std::fabs(s.reached - target.lufs) <= target.toleranceLu);
+    const bool off = !target.accepts(s.reached);
     std::printf("%-24s %7.2f -> %7.2f LUFS, volume %.3f%s%s\n", sound.record.name.data(),
                 s.loudness, s.reached, s.volume, s.heldByPeak ? ", held by its peak" : "",
                 off ? ", off target" : "");

@@ -36,8 +36,8 @@ std::size_t framesOf(double seconds)
     return static_cast<std::size_t>(std::llround(seconds * kAuditionRateHz));
 }
 
-// One per thread and used again, as taking the memory of a synth costs more than a short phrase.
-// A program load silences it, and every phrase ends with its keys up.
+// A fresh one for every phrase: controllers and the slow movements of effects outlast a program
+// load.
 struct Instrument {
     Instrument() { core.engine().setSampleRate(kAuditionRateHz); }
 
@@ -46,21 +46,15 @@ struct Instrument {
     SynthCore core{*settings, tempo};
 };
 
-SynthCore& threadCore()
-{
-    thread_local Instrument instrument;
-    return instrument.core;
-}
-
 class Performance {
 public:
     Performance(const ProgramRecord& program, const Phrase& phrase) : phrase_(phrase)
     {
         Tolm& engine = core_.engine();
+        engine.seed(1); // the load draws phases
         engine.programBank().record(0) = program;
         core_.loadProgram(0);
         core_.setRunning(true);
-        engine.seed(1);
     }
 
     Rendering run(double tailSeconds)
@@ -121,7 +115,8 @@ private:
     }
 
     const Phrase& phrase_;
-    SynthCore& core_ = threadCore();
+    Instrument instrument_;
+    SynthCore& core_ = instrument_.core;
     Rendering rendering_;
     std::size_t next_ = 0;
     std::size_t lastLoudFrame_ = 0;
