@@ -39,6 +39,10 @@ ProgramRecord blankRecord();
 // are those of `base`. After an error `sounds` is unchanged.
 SoundTextStatus readSounds(std::string_view text, const std::string& file,
                            const ProgramRecord& base, std::vector<Sound>& sounds);
+// The same for arpeggiator patterns: tables called "pattern" with a name and the arpeggiator's
+// keys, no others.
+SoundTextStatus readPatterns(std::string_view text, const std::string& file,
+                             const ProgramRecord& base, std::vector<Sound>& patterns);
 // The text of several programs of one category (0..13). Fails when a record holds something that
 // the form has no words for, such as a value in a reserved place.
 SoundTextStatus writeSounds(std::span<const ProgramRecord> programs, const ProgramRecord& base,

@@ -263,19 +263,58 @@ bool readEntry(Reader& r, std::string_view key, const toml::node& node)
     return id < 0 ? r.fail(node, key, "unknown key") : readField(r, id, key, node);
 }
 
-bool readProgram(Reader& r, const toml::node& node)
+// What the tables of a text are called and which keys they may have.
+struct TableForm {
+    const char* name;
+    bool (*allows)(std::string_view key);
+};
+
+bool isPatternKey(std::string_view key)
 {
+    constexpr std::string_view kLists[] = {"name", "Arp notes", "Arp second notes",
+                                           "Arp velocities"};
+    constexpr int kIds[] = {kArpRate, kArpLength, kArpSwing, kArpSync, kArpMode, kArpStepCount};
+    const auto is = [&](int id) { return idOfKey(key) == id; };
+    return std::find(std::begin(kLists), std::end(kLists), key) != std::end(kLists) ||
+           std::any_of(std::begin(kIds), std::end(kIds), is);
+}
+
+constexpr TableForm kProgramForm{"program", [](std::string_view) { return true; }};
+constexpr TableForm kPatternForm{"pattern", isPatternKey};
+
+bool readTable(Reader& r, const TableForm& form, const toml::node& node)
+{
+    const std::string kind = form.name;
     const toml::table* table = node.as_table();
     if (!table)
-        return r.fail(node, "program", "a program is a table");
+        return r.fail(node, kind, "a " + kind + " is a table");
     if (!table->contains("name"))
-        return r.fail(node, "name", "the program has no name");
+        return r.fail(node, "name", "the " + kind + " has no name");
     if (table->contains("Arp velocities") && table->contains("Arp second notes"))
         return r.fail(node, "Arp second notes", "they take the place of the velocities");
-    for (const auto& [key, entry] : *table)
+    for (const auto& [key, entry] : *table) {
+        if (!form.allows(key.str()))
+            return r.fail(entry, key.str(), "a " + kind + " has no such key");
         if (!readEntry(r, key.str(), entry))
             return false;
+    }
     return true;
+}
+
+// Appends the tables of a list, each a record that starts as `base`.
+SoundTextStatus readTables(const std::string& file, const TableForm& form, const toml::node& node,
+                           const ProgramRecord& base, std::vector<Sound>& sounds)
+{
+    const toml::array* tables = node.as_array();
+    if (!tables)
+        return errorAt(file, node, form.name, "unknown key");
+    for (const toml::node& table : *tables) {
+        Reader r{file, base, {}};
+        if (!readTable(r, form, table))
+            return r.error;
+        sounds.push_back({r.record, file, static_cast<int>(table.source().begin.line)});
+    }
+    return {};
 }
 
 } // namespace
@@ -297,17 +336,29 @@ SoundTextStatus readSounds(std::string_view text, const std::string& file,
     for (const auto& [key, node] : table) {
         if (key.str() == "category")
             continue;
-        const toml::array* programs = node.as_array();
-        if (key.str() != "program" || !programs)
+        if (key.str() != kProgramForm.name)
             return errorAt(file, node, key.str(), "unknown key");
-        for (const toml::node& program : *programs) {
-            Reader r{file, start, {}};
-            if (!readProgram(r, program))
-                return r.error;
-            read.push_back({r.record, file, static_cast<int>(program.source().begin.line)});
-        }
+        if (auto error = readTables(file, kProgramForm, node, start, read))
+            return error;
     }
     sounds.insert(sounds.end(), read.begin(), read.end());
+    return {};
+}
+
+SoundTextStatus readPatterns(std::string_view text, const std::string& file,
+                             const ProgramRecord& base, std::vector<Sound>& patterns)
+{
+    toml::table table;
+    if (auto error = parseToml(text, file, table))
+        return error;
+    std::vector<Sound> read;
+    for (const auto& [key, node] : table) {
+        if (key.str() != kPatternForm.name)
+            return errorAt(file, node, key.str(), "unknown key");
+        if (auto error = readTables(file, kPatternForm, node, base, read))
+            return error;
+    }
+    patterns.insert(patterns.end(), read.begin(), read.end());
     return {};
 }
 

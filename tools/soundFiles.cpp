@@ -1,9 +1,12 @@
 #include "tools/soundFiles.h"
 
+#include "patch/soundTextRules.h"
+
 #include <algorithm>
 #include <cstring>
 #include <fstream>
 #include <iterator>
+#include <set>
 
 namespace tolm {
 
@@ -100,6 +103,22 @@ std::unique_ptr<FactoryImage> compileDirectory(const fs::path& directory)
     auto image = std::make_unique<FactoryImage>();
     check(assembleBank(plan, sounds, init, *image));
     return image;
+}
+
+std::vector<ProgramRecord> compilePatterns(const fs::path& text, const fs::path& directory)
+{
+    std::vector<Sound> patterns;
+    check(readPatterns(readFile(text), text.string(), readInit(directory), patterns));
+    std::vector<ProgramRecord> records;
+    std::set<std::string_view> names;
+    for (const Sound& pattern : patterns) {
+        if (!names.insert(nameOf(pattern.record)).second)
+            throw Failure(
+                SoundTextError{pattern.file, pattern.line, "name", "another pattern has this name"}
+                    .text());
+        records.push_back(pattern.record);
+    }
+    return records;
 }
 
 std::unique_ptr<FactoryImage> readImage(const fs::path& path)

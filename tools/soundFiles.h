@@ -31,6 +31,9 @@ ProgramRecord readInit(const std::filesystem::path& directory);
 std::vector<Sound> readDirectory(const std::filesystem::path& directory);
 
 std::unique_ptr<FactoryImage> compileDirectory(const std::filesystem::path& directory);
+// The patterns of a text, over the initial patch of the directory of sounds.
+std::vector<ProgramRecord> compilePatterns(const std::filesystem::path& text,
+                                           const std::filesystem::path& sounds);
 std::unique_ptr<FactoryImage> readImage(const std::filesystem::path& path);
 
 } // namespace tolm

@@ -324,5 +324,26 @@ TEST(SoundText, damagedTextsAreAnsweredAndNeverFatal)
     EXPECT_LT(accepted, 1490); // and most other damage is seen
 }
 
+TEST(PatternText, takesTheArpeggiatorsKeysAndNoOthers)
+{
+    const auto read = [](const std::string& lines, std::vector<Sound>& patterns) {
+        const auto error = readPatterns("[[pattern]]\n" + lines, kFile, blankRecord(), patterns);
+        return error ? error->text() : "accepted";
+    };
+    std::vector<Sound> patterns;
+    EXPECT_EQ(read("name = \"Up\"\n\"Arp notes\" = [0, \".\", 12, \"-\"]\n\"Arp Rate\" = \"1/8\"",
+                   patterns),
+              "accepted");
+    ASSERT_EQ(patterns.size(), 1u);
+    EXPECT_EQ(patterns[0].record.values[kArpNote1 + 2], storedStep(12));
+    EXPECT_EQ(patterns[0].record.values[kArpNote1 + 3], 1.0f);
+    EXPECT_EQ(read("name = \"Up\"\n\"Volume\" = 0.5", patterns),
+              "keys.toml:3: Volume: a pattern has no such key");
+    EXPECT_EQ(read("\"Arp notes\" = [0]", patterns), "keys.toml:1: name: the pattern has no name");
+    EXPECT_EQ(read("name = \"Up\"\n\"Arp notes\" = [0, 3,\n200]", patterns),
+              "keys.toml:4: Arp notes: out of range");
+    EXPECT_EQ(patterns.size(), 1u);
+}
+
 } // namespace
 } // namespace tolm
