@@ -8,6 +8,7 @@
 #include "tools/audition/figures.h"
 #include "tools/audition/level.h"
 #include "tools/bankFiles.h"
+#include "tools/report/report.h"
 #include "tools/soundFiles.h"
 
 #include <CLI/CLI.hpp>
@@ -110,6 +111,7 @@ constexpr Command kCommands[] = {
 // What the commands that play sounds share.
 struct AuditionArguments {
     std::string source;
+    std::string output;
     SoundChoice choice;
 };
 
@@ -131,6 +133,10 @@ void addAuditionCommands(CLI::App& app, AuditionArguments& arguments)
     addAuditionCommand(app, arguments, "figures",
                        "Print what programs measure and mark what their category does not accept")
         ->callback([&] { printFigures(arguments.source, arguments.choice); });
+    CLI::App* report =
+        addAuditionCommand(app, arguments, "report", "Make a page to look at and listen to");
+    report->add_option("-o,--output", arguments.output, "DIR")->required();
+    report->callback([&] { writeReport(arguments.source, arguments.choice, arguments.output); });
 }
 
 int runCommandLine(int argc, char** argv)

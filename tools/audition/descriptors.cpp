@@ -44,6 +44,7 @@ constexpr int kWind = 13;
 static_assert(std::string_view(kCategoryNames[kWind]) == "Wind");
 
 constexpr double kLongestFadeSeconds = 20.0;
+constexpr double kMonoDb = -99.0;            // no side at all
 constexpr double kTouchSeconds = 0.7;        // of the notes that compare two ways of playing
 constexpr std::size_t kFineSpectrum = 65536; // tells the harmonics of the lowest key apart
 constexpr std::size_t kShortSpectrum = 4096;
@@ -74,8 +75,8 @@ void describePhrase(const ProgramRecord& program, int category, Descriptors& d)
     d[D::loudness] = loudnessOf(r).of(loudnessTarget(category).kind);
     d[D::release] = releaseSeconds(envelopeOf(r), r.keyUpFrame);
     d[D::fade] = figures.fadeSeconds;
-    d[D::width] = figures.widthDb;
-    d[D::lowWidth] = widthDb(spectra, 200.0);
+    d[D::width] = std::max(figures.widthDb, kMonoDb);
+    d[D::lowWidth] = std::max(widthDb(spectra, 200.0), kMonoDb);
     d[D::monoLoss] = figures.monoLossDb;
     constexpr double kBeatsPerSecond = 2.0;
     const double seconds = static_cast<double>(r.keyUpFrame) / kAuditionRateHz;

@@ -63,12 +63,14 @@ std::vector<RangeException> readExceptions(const std::filesystem::path& director
     return exceptions;
 }
 
-bool isExcused(const std::vector<RangeException>& exceptions, std::string_view program,
-               Descriptor descriptor)
+const std::string* excuse(const std::vector<RangeException>& exceptions, std::string_view program,
+                          Descriptor descriptor)
 {
-    return std::any_of(exceptions.begin(), exceptions.end(), [&](const RangeException& e) {
-        return e.program == program && e.descriptor == descriptor;
-    });
+    const auto found =
+        std::find_if(exceptions.begin(), exceptions.end(), [&](const RangeException& e) {
+            return e.program == program && e.descriptor == descriptor;
+        });
+    return found == exceptions.end() ? nullptr : &found->reason;
 }
 
 } // namespace tolm

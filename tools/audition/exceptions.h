@@ -6,6 +6,7 @@
 
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tolm {
@@ -18,7 +19,8 @@ struct RangeException {
 
 // Of a directory of sounds; none when it has no such file. Throws Failure with file, line and key.
 std::vector<RangeException> readExceptions(const std::filesystem::path& directory);
-bool isExcused(const std::vector<RangeException>& exceptions, std::string_view program,
-               Descriptor descriptor);
+// Why a program's figure may be outside; null when nothing excuses it.
+const std::string* excuse(const std::vector<RangeException>& exceptions, std::string_view program,
+                          Descriptor descriptor);
 
 } // namespace tolm

@@ -24,17 +24,11 @@ struct Row {
     Descriptors descriptors;
 };
 
-// Figures that only some categories are held to appear with those alone.
-bool isShown(int category, Descriptor descriptor)
-{
-    return descriptor < Descriptor::lowWidth || !rangeText(category, descriptor).empty();
-}
-
 template <class Print>
 void forShown(int category, Print&& print)
 {
     for (std::size_t i = 0; i < kDescriptorCount; ++i)
-        if (isShown(category, static_cast<Descriptor>(i)))
+        if (isTelling(category, static_cast<Descriptor>(i)))
             print(static_cast<Descriptor>(i), kDescriptorColumns[i]);
 }
 
@@ -60,7 +54,7 @@ bool printRow(const Row& row, const std::vector<RangeException>& exceptions)
     forShown(row.category, [&](Descriptor descriptor, const DescriptorColumn& column) {
         char mark = ' ';
         if (std::find(outside.begin(), outside.end(), descriptor) != outside.end())
-            mark = isExcused(exceptions, row.name, descriptor) ? '~' : '!';
+            mark = excuse(exceptions, row.name, descriptor) ? '~' : '!';
         fine = fine && mark != '!';
         const double value = row.descriptors[descriptor];
         if (std::isinf(value))

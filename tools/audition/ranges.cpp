@@ -147,6 +147,11 @@ std::vector<Descriptor> outsideOf(int category, const Descriptors& descriptors)
     return outside;
 }
 
+bool isTelling(int category, Descriptor descriptor)
+{
+    return descriptor < D::lowWidth || rangeOf(category, descriptor).has_value();
+}
+
 std::string rangeText(int category, Descriptor descriptor)
 {
     const auto range = rangeOf(category, descriptor);

@@ -22,6 +22,9 @@ std::span<const AcceptedRange> rangesOf(int category);
 
 // The descriptors of a program that are outside their ranges, in order.
 std::vector<Descriptor> outsideOf(int category, const Descriptors& descriptors);
+// Whether a figure says something about programs of the category: figures that only some categories
+// are held to are for those alone.
+bool isTelling(int category, Descriptor descriptor);
 // "60..900", "<= 30", ">= 0.5", "never" or, without a rule, "".
 std::string rangeText(int category, Descriptor descriptor);
 
