@@ -1,17 +1,10 @@
 // Every factory sound plays, at its proper level, and ends.
 
-#include "patch/soundTextRules.h"
-#include "plugin/catalogue.h"
+#include "factoryBank.h"
 #include "tools/audition/measure.h"
 #include "tools/audition/parallel.h"
-#include "tools/soundFiles.h"
 
 #include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cctype>
-#include <cmath>
-#include <set>
 
 namespace tolm {
 namespace {
@@ -19,31 +12,30 @@ namespace {
 constexpr double kAudibleDb = -60.0;
 constexpr double kMostMonoLossDb = 3.0; // two unrelated channels lose exactly this much
 constexpr double kLongestFadeSeconds = 20.0;
-
-const std::vector<Sound>& factorySounds()
-{
-    static const std::vector<Sound> sounds =
-        readDirectory(std::filesystem::path(TOLM_SOURCE_DIR) / "data" / "factory");
-    return sounds;
-}
+constexpr int kLowKey = 24;
+constexpr int kMiddleKey = 48;
+constexpr int kHighKey = 96;
 
 struct Heard {
     Figures soft, usual, hard;
+    Figures low, high; // C1 and C7
     double peakBeforeNotesDb = 0.0;
 };
 
-Figures strike(const ProgramRecord& program, int velocity, double seconds, double tailSeconds)
+Figures strike(const ProgramRecord& program, int key, int velocity, double seconds,
+               double tailSeconds = 0.0)
 {
-    constexpr int kMiddleKey[] = {48};
-    return figuresOf(play(program, heldKeys(kMiddleKey, seconds, velocity), tailSeconds));
+    return figuresOf(play(program, heldKeys({&key, 1}, seconds, velocity), tailSeconds));
 }
 
 Heard hear(const ProgramRecord& program)
 {
     Heard heard;
-    heard.soft = strike(program, 20, 0.5, 0.0);
-    heard.hard = strike(program, 127, 0.5, 0.0);
-    heard.usual = strike(program, 100, 0.7, kLongestFadeSeconds);
+    heard.soft = strike(program, kMiddleKey, 20, 0.5);
+    heard.hard = strike(program, kMiddleKey, 127, 0.5);
+    heard.low = strike(program, kLowKey, 100, 0.5);
+    heard.high = strike(program, kHighKey, 100, 0.5);
+    heard.usual = strike(program, kMiddleKey, 100, 0.7, kLongestFadeSeconds);
     heard.peakBeforeNotesDb = figuresOf(play(program, silentPhrase(0.1), 0.0)).peakDb;
     return heard;
 }
@@ -74,10 +66,11 @@ TEST(FactorySounds, areSilentUntilAKeyGoesDown)
     forEachSound([](const Heard& heard) { EXPECT_LT(heard.peakBeforeNotesDb, -100.0); });
 }
 
-TEST(FactorySounds, soundCleanlyAtEveryStroke)
+TEST(FactorySounds, soundCleanlyAtEveryStrokeAndKey)
 {
     forEachSound([](const Heard& heard) {
-        for (const Figures* figures : {&heard.soft, &heard.usual, &heard.hard}) {
+        for (const Figures* figures :
+             {&heard.soft, &heard.usual, &heard.hard, &heard.low, &heard.high}) {
             EXPECT_TRUE(figures->finite);
             EXPECT_GT(figures->peakDb, kAudibleDb);
             EXPECT_LT(figures->peakDb, 0.0);
@@ -95,18 +88,6 @@ TEST(FactorySounds, endAfterTheKeyIsReleased)
 TEST(FactorySounds, surviveTheSumToMono)
 {
     forEachSound([](const Heard& heard) { EXPECT_LT(heard.usual.monoLossDb, kMostMonoLossDb); });
-}
-
-TEST(FactorySounds, haveNamesOfTheirOwn)
-{
-    std::set<std::string> names;
-    for (const Sound& sound : factorySounds()) {
-        std::string name(withoutMark(nameOf(sound.record)));
-        std::transform(name.begin(), name.end(), name.begin(), [](char c) {
-            return static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-        });
-        EXPECT_TRUE(names.insert(name).second) << name;
-    }
 }
 
 } // namespace
