@@ -31,6 +31,7 @@ class Frame {
 public:
     // `size` is logical and fixed; `scale` device pixels per logical one.
     Frame(FrameHost& host, Point size, float scale);
+    // Ends drags and focus first: views may still commit what was being typed.
     ~Frame();
     Frame(const Frame&) = delete;
     Frame& operator=(const Frame&) = delete;
