@@ -40,13 +40,19 @@ void PushButton::mouseDragged(const MouseEvent& event)
     press(armed_ && localBounds().contains(event.position));
 }
 
-void PushButton::mouseUp(const MouseEvent&)
+void PushButton::mouseUp(const MouseEvent& event)
 {
-    const bool hit = armed_ && pressed_;
+    const bool hit = armed_ && localBounds().contains(event.position);
     armed_ = false;
     press(false);
     if (hit)
         click();
+}
+
+void PushButton::captureLost()
+{
+    armed_ = false;
+    press(false);
 }
 
 bool PushButton::keyDown(const KeyEvent& event)

@@ -23,7 +23,7 @@ public:
     bool mouseDown(const MouseEvent& event) override;
     void mouseDragged(const MouseEvent& event) override;
     void mouseUp(const MouseEvent& event) override;
-    void captureLost() override { press(false); }
+    void captureLost() override;
     void mouseEntered() override { invalidate(); }
     void mouseLeft() override { invalidate(); }
     bool keyDown(const KeyEvent& event) override;

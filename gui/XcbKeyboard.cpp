@@ -94,7 +94,8 @@ std::optional<KeyEvent> XcbKeyboard::translate(int code, std::uint16_t state)
     event.modifiers = modifiersOf(state);
     Keysym symbol = map_.symbolOf(code, state);
     // Commands are Latin letters in every layout.
-    if (event.modifiers.control && characterOf(symbol) >= 0x80)
+    const char32_t plain = characterOf(symbol);
+    if (event.modifiers.control && !namedKey(symbol) && (plain == 0 || plain >= 0x80))
         symbol = map_.at(code, 0);
     if (isDeadKey(symbol)) {
         const Keysym before = std::exchange(deadKey_, symbol);
