@@ -116,6 +116,18 @@ std::string Plugin::name() const
     return own.empty() ? std::filesystem::path(path_).stem().string() : own;
 }
 
+ERect Plugin::editorSize() const
+{
+    ERect* size = nullptr;
+    dispatch(effEditGetRect, 0, 0, &size);
+    return size != nullptr ? *size : ERect{};
+}
+
+bool Plugin::openEditor(void* parent) const
+{
+    return dispatch(effEditOpen, 0, 0, parent) != 0;
+}
+
 std::vector<std::string> Plugin::programNames() const
 {
     std::vector<std::string> names;

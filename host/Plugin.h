@@ -6,6 +6,7 @@
 #include "vst2/abi.h"
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -54,6 +55,19 @@ public:
     // Renders up to the announced block length; mono plug-ins fill both sides.
     void process(std::span<float> left, std::span<float> right);
 
+    bool hasEditor() const { return (effect_->flags & effFlagsHasEditor) != 0; }
+    // All zeros when it does not tell.
+    ERect editorSize() const;
+    // False when it refuses. The handle is a window's of the system.
+    bool openEditor(void* parent) const;
+    void idleEditor() const { dispatch(effEditIdle); }
+    void closeEditor() const { dispatch(effEditClose); }
+    // Asked when the plug-in wants its window larger or smaller; without it the answer is no.
+    void onSizeWindow(std::function<bool(int width, int height)> resize)
+    {
+        sizeWindow_ = std::move(resize);
+    }
+
 private:
     struct LibraryCloser {
         void operator()(void* library) const;
@@ -62,7 +76,7 @@ private:
     static std::intptr_t callback(AEffect* effect, std::int32_t opcode,
                                                 std::int32_t index, std::intptr_t value, void* ptr,
                                                 float opt);
-    std::intptr_t answer(std::int32_t opcode, std::int32_t index, void* ptr);
+    std::intptr_t answer(std::int32_t opcode, std::int32_t index, std::intptr_t value, void* ptr);
     std::intptr_t dispatch(std::int32_t opcode, std::int32_t index = 0, std::intptr_t value = 0,
                            void* ptr = nullptr, float opt = 0.0f) const;
     std::string text(std::int32_t opcode, std::int32_t index = 0) const;
@@ -77,6 +91,7 @@ private:
     std::unique_ptr<void, LibraryCloser> library_;
     AEffect* effect_ = nullptr;
     bool running_ = false;
+    std::function<bool(int width, int height)> sizeWindow_;
     VstTimeInfo time_{};
     std::vector<VstMidiEvent> midi_;
     std::vector<std::byte> eventList_;

@@ -42,11 +42,12 @@ std::intptr_t canDo(const void* ability)
 } // namespace
 
 std::intptr_t Plugin::callback(AEffect* effect, std::int32_t opcode,
-                                             std::int32_t index, std::intptr_t, void* ptr, float)
+                                             std::int32_t index, std::intptr_t value, void* ptr,
+                                             float)
 {
     // Instances ask before they are known: while their entry runs only general questions count.
     if (effect != nullptr && effect->user != nullptr)
-        return static_cast<Plugin*>(effect->user)->answer(opcode, index, ptr);
+        return static_cast<Plugin*>(effect->user)->answer(opcode, index, value, ptr);
     switch (opcode) {
     case audioMasterVersion:
         return kHostVersion;
@@ -65,7 +66,8 @@ std::intptr_t Plugin::callback(AEffect* effect, std::int32_t opcode,
     }
 }
 
-std::intptr_t Plugin::answer(std::int32_t opcode, std::int32_t index, void* ptr)
+std::intptr_t Plugin::answer(std::int32_t opcode, std::int32_t index, std::intptr_t value,
+                             void* ptr)
 {
     switch (opcode) {
     case audioMasterCurrentId:
@@ -86,6 +88,12 @@ std::intptr_t Plugin::answer(std::int32_t opcode, std::int32_t index, void* ptr)
         return running_ ? kLevelOffline : kLevelUser;
     case audioMasterGetAutomationState:
         return kAutomationOff;
+    case audioMasterCanDo:
+        if (ptr != nullptr && std::strcmp(static_cast<const char*>(ptr), "sizeWindow") == 0)
+            return sizeWindow_ ? 1 : 0;
+        return canDo(ptr);
+    case audioMasterSizeWindow:
+        return sizeWindow_ && sizeWindow_(index, static_cast<int>(value)) ? 1 : 0;
     case audioMasterGetDirectory:
         return reinterpret_cast<std::intptr_t>(directory_.data());
     default:
