@@ -228,23 +228,27 @@ void WindowXcb::wantKeys(bool want)
         giveFocusBack();
 }
 
+// The server may ignore or refuse this, as while a parent is not mapped: only its events tell
+// whether the focus is here, and the next press asks again.
 void WindowXcb::takeFocus()
 {
     if (hasFocus_ || !mapped_)
         return;
     xcb_connection_t* const c = connection_->get();
-    if (const auto focus = owned(xcb_get_input_focus_reply(c, xcb_get_input_focus(c), nullptr))) {
-        focusBefore_ = focus->focus;
-        revertBefore_ = focus->revert_to;
-    }
+    const auto focus = owned(xcb_get_input_focus_reply(c, xcb_get_input_focus(c), nullptr));
+    if (!focus || focus->focus == window_)
+        return;
+    focusBefore_ = focus->focus;
+    revertBefore_ = focus->revert_to;
     xcb_set_input_focus(c, XCB_INPUT_FOCUS_PARENT, window_, time_);
-    hasFocus_ = true;
+    tookFocus_ = true;
 }
 
 // Only what is still ours: the user may have gone elsewhere meanwhile.
 void WindowXcb::giveFocusBack()
 {
-    if (!std::exchange(hasFocus_, false))
+    hasFocus_ = false;
+    if (!std::exchange(tookFocus_, false))
         return;
     xcb_connection_t* const c = connection_->get();
     const auto focus = owned(xcb_get_input_focus_reply(c, xcb_get_input_focus(c), nullptr));

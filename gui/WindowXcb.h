@@ -80,7 +80,8 @@ private:
     xcb_window_t focusBefore_ = 0;
     std::uint8_t revertBefore_ = 0;
     bool keysWanted_ = false;
-    bool hasFocus_ = false;
+    bool hasFocus_ = false;  // as the server has told
+    bool tookFocus_ = false; // and owes it to focusBefore_
     bool alive_ = false;
     bool mapped_ = false;
     bool pumping_ = false;

@@ -111,14 +111,14 @@ void WindowXcb::handleWindowEvent(const xcb_generic_event_t& event)
         if (as<xcb_destroy_notify_event_t>(event).window == window_)
             alive_ = false;
         break;
-    case XCB_FOCUS_OUT:
-        // A grab, as of a host's shortcut, only borrows it.
-        if (as<xcb_focus_out_event_t>(event).mode == XCB_NOTIFY_MODE_NORMAL)
-            hasFocus_ = false;
-        break;
     case XCB_FOCUS_IN:
-        hasFocus_ = true;
+    case XCB_FOCUS_OUT: {
+        const auto& e = as<xcb_focus_in_event_t>(event);
+        // A grab, as of a host's shortcut, only borrows it; "pointer" tells of another's focus.
+        if (e.mode == XCB_NOTIFY_MODE_NORMAL && e.detail != XCB_NOTIFY_DETAIL_POINTER)
+            hasFocus_ = (e.response_type & 0x7F) == XCB_FOCUS_IN;
         break;
+    }
     case XCB_MAPPING_NOTIFY:
         keyboard_.read(connection_->get());
         break;

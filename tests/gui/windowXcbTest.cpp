@@ -178,6 +178,13 @@ TEST_P(WindowsXcb, keysAreTakenFromTheHostOnlyWhileSomebodyTypes)
     parent->key(parent->codeOf('1'), XCB_MOD_MASK_SHIFT);
     pumpAWhile();
     EXPECT_EQ(edit.text(), "Oh !");
+    // The user goes elsewhere and comes back with a press.
+    parent->setFocus(parent->id());
+    pumpAWhile();
+    parent->press(device(30.0f), device(20.0f));
+    parent->release(device(30.0f), device(20.0f));
+    pumpAWhile();
+    EXPECT_EQ(parent->focus(), window->id());
     parent->key(parent->codeOf(0xFF0D));
     pumpAWhile();
     EXPECT_EQ(parent->childEventMask() & XCB_EVENT_MASK_KEY_PRESS, 0u);
