@@ -1,3 +1,5 @@
+// Text on a canvas: one line, or one cut to fit a box.
+
 #include "gui/Canvas.h"
 #include "gui/Raster.h"
 #include "gui/glyphStore.h"

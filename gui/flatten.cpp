@@ -1,3 +1,5 @@
+// The curves of a path as straight pieces.
+
 #include "gui/polygon.h"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// PNG files in memory, read and written by libpng.
+
 #include "gui/Image.h"
 #include "gui/blend.h"
 
