@@ -4,6 +4,7 @@
 #include "patch/programStore.h"
 #include "plugin/catalogue.h"
 #include "plugin/menus.h"
+#include "tools/audition/alike.h"
 #include "tools/audition/descriptors.h"
 #include "tools/audition/figures.h"
 #include "tools/audition/level.h"
@@ -133,6 +134,8 @@ void addAuditionCommands(CLI::App& app, AuditionArguments& arguments)
     addAuditionCommand(app, arguments, "figures",
                        "Print what programs measure and mark what their category does not accept")
         ->callback([&] { printFigures(arguments.source, arguments.choice); });
+    addAuditionCommand(app, arguments, "alike", "List programs that sound much like another")
+        ->callback([&] { printAlike(arguments.source, arguments.choice); });
     CLI::App* report =
         addAuditionCommand(app, arguments, "report", "Make a page to look at and listen to");
     report->add_option("-o,--output", arguments.output, "DIR")->required();

@@ -15,6 +15,7 @@
 namespace tolm {
 namespace {
 
+// Three are meant; a busy machine adds to what a thread needs.
 constexpr double kMostCostInMedians = 4.0;
 // In changes of velocity from 90 to 110.
 constexpr double kLeastDistance = 3.0;
@@ -67,8 +68,9 @@ TEST(FactoryRanges, everyExcuseIsNeeded)
         });
         ASSERT_NE(sound, sounds.end()) << exception.program << " is no program";
         const auto outside = outsideOf(sound->category, sound->descriptors);
-        EXPECT_NE(std::find(outside.begin(), outside.end(), exception.descriptor), outside.end())
-            << exception.program << ": "
+        EXPECT_TRUE(std::find(outside.begin(), outside.end(), exception.descriptor) !=
+                    outside.end())
+            << exception.program << " needs no excuse for its "
             << kDescriptorColumns[static_cast<std::size_t>(exception.descriptor)].key;
     }
 }

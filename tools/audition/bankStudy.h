@@ -20,7 +20,7 @@ struct StudiedSound {
 
 struct BankStudy {
     std::vector<StudiedSound> sounds; // as given
-    double medianCpuNsPerFrame = 0.0; // of the hardest chords
+    double medianCpuNsPerFrame = 0.0;
 };
 
 // Spread over the cores; `progress` hears how many sounds are done.

@@ -139,7 +139,7 @@ private:
             "<table><thead><tr><th class=\"name\">Program</th><th>Phrase</th><th></th><th></th>";
         for (const DescriptorColumn& column : kDescriptorColumns)
             page_ += "<th title=\"" + escaped(column.meaning) + "\">" + column.heading + "</th>";
-        page_ += "<th title=\"of the hardest chord, in medians of the bank\">CPU</th>"
+        page_ += "<th title=\"of eight notes, in medians of the bank\">CPU</th>"
                  "<th class=\"name\" title=\"the program that sounds most alike, in units of a "
                  "change of velocity from 90 to 110\">nearest</th></tr></thead>\n";
     }
