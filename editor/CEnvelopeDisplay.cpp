@@ -1,3 +1,5 @@
+// The picture of an envelope, and the hand that drags its points.
+
 #include "editor/displays.h"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// The picture of the filter, and the hand that drags its corner.
+
 #include "editor/displays.h"
 
 #include "editor/filterResponse.h"

@@ -1,3 +1,5 @@
+// A knob: track, value arc, ring of modulation, body and pointer.
+
 #include "editor/controls.h"
 
 #include <algorithm>

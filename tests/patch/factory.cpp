@@ -89,6 +89,13 @@ TEST(FactoryBank, valuesAndChoicesExist)
     });
 }
 
+// Such a row says something with an amount of 0 too: the note starts there.
+bool startsAtAPhase(float destination)
+{
+    constexpr float kPhases[] = {32.0f, 33.0f, 43.0f, 44.0f, 45.0f, 87.0f};
+    return std::find(std::begin(kPhases), std::end(kPhases), destination) != std::end(kPhases);
+}
+
 TEST(FactoryBank, matrixRowsAreWholeOrZeroed)
 {
     const Factory factory;
@@ -100,9 +107,12 @@ TEST(FactoryBank, matrixRowsAreWholeOrZeroed)
             EXPECT_TRUE(knows(kSourceMenu, source));
             EXPECT_TRUE(knows(kDestinationMenu, destination));
             EXPECT_EQ(source == 0.0f, destination == 0.0f);
-            EXPECT_EQ(source == 0.0f, factory.value(program, kModAmount1 + row) == 0.5f);
+            const bool isZero = factory.value(program, kModAmount1 + row) == 0.5f;
             if (source == 0.0f) {
+                EXPECT_TRUE(isZero);
                 EXPECT_EQ(factory.value(program, kModVoices1 + row), 0.0f);
+            } else if (!startsAtAPhase(destination)) {
+                EXPECT_FALSE(isZero);
             }
         }
     });

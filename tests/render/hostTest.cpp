@@ -78,7 +78,7 @@ TEST(Host, aProgramChangeMessageSelectsSilencesAndLoads)
     sustained(rig);
     rig.render(kSecond / 10, {noteOn(0, 60)});
     const Stereo after = rig.render(1000, {{0, {0xC0, 17, 0}}});
-    EXPECT_EQ(peakOf(after), 0.0);
+    EXPECT_LT(peakOf(after), 1e-12); // filters of the effects may hold a last trace
     EXPECT_EQ(rig.dispatch(vst2::effGetProgram), 17);
     char name[64] = {};
     rig.dispatch(vst2::effGetProgramName, 0, 0, name);
