@@ -70,6 +70,10 @@ constexpr DisplayRule kFreeArpRate = {.display = Display::none, .law = Law::expo
 constexpr DisplayRule kSyncedArpRate = {.display = Display::none, .law = Law::names, .scale = 20.001, .names = kArpLengthNames};
 constexpr DisplayRule kArpLengthPercent = {.display = Display::none, .law = Law::whole, .scale = 62.0, .offset = -31.0, .unitStep = 100.0 / 31.0, .sign = Sign::plusAboveZero, .unit = " %"};
 
+// Of the program alone, which no host shows.
+constexpr DisplayRule kMatrixAmount = {.law = Law::whole, .scale = 200.0, .offset = -100.0, .nudge = 0.5, .sign = Sign::plusAboveZero, .unit = " %"};
+constexpr DisplayRule kArpStepNumber = {.law = Law::whole, .scale = 31.0, .offset = 1.0, .unit = " steps"};
+
 constexpr StoredMenu kStoredMenus[] = {
     {kFmMode, kFmMode, [](int entry) { return menuName(kFmModeMenu, entry); }},
     {kArpMode, kArpMode, [](int entry) { return menuName(kArpModeMenu, entry); }},
@@ -149,6 +153,10 @@ const DisplayRule& displayRule(int id, const TextContext& context)
         return context.arpSync ? kSyncedArpRate : kFreeArpRate;
     if (id == kArpLength)
         return kArpLengthPercent;
+    if (id >= kModAmount1 && id < kModAmount1 + kStoredMatrixRows)
+        return kMatrixAmount;
+    if (id == kArpStepCount)
+        return kArpStepNumber;
     if (display == Display::lfoRate &&
         context.lfoSync[static_cast<std::size_t>((id - kLfo1Rate) / kLfoIdStride)])
         return kSyncedLfoRate;

@@ -44,8 +44,8 @@ private:
 };
 
 // The text of a value 0..1 of parameter `id`; empty for ids outside the catalogue. "Arp Rate" reads
-// as a note length or in Hz, "Arp Length" as signed percent of its 31 ticks; a host is shown
-// neither.
+// as a note length or in Hz, "Arp Length" as signed percent of its 31 ticks, matrix amounts as
+// signed percent and "Arp Steps" as their number; a host is shown none of these.
 ParamText parameterText(int id, float value, const TextContext& context);
 
 // The name of the menu entry that a whole-number value chooses ("Filter Type", matrix sources and

@@ -49,6 +49,8 @@ TEST(ParamText, showsWhatTheRulesSay)
         {104, 0.25f, "-5.0 dB"}, {109, 1.0f, "+10.0 dB"},  {109, 0.4999f, "-0.0 dB"},
         {28, 0.5f, "50 %"},      {74, 1.0f, "100 %"},      {126, 16.0f, "1600 %"},
         {328, 5.0f, "500 %"},    {113, 0.0f, "0 %"},       {28, 1.5f, "150 %"},
+        {160, 0.675f, "+35 %"},  {183, 0.0f, "-100 %"},    {170, 0.499f, "0 %"},
+        {191, 1.0f, "+100 %"},   {320, 0.0f, "1 steps"},   {320, 1.0f, "32 steps"},
     };
     for (const Row& row : kRows)
         EXPECT_EQ(shown(row.id, row.value), row.text) << "id " << row.id << " at " << row.value;
