@@ -14,6 +14,8 @@ namespace {
 
 constexpr int kChoiceProbes = 2048;
 constexpr int kLargestChoiceCount = 40;
+constexpr float kFieldWidth = 96.0f; // where values are typed
+constexpr float kFieldHeight = 22.0f;
 
 // Which destinations move a parameter.
 struct Reach {
@@ -207,25 +209,35 @@ void EditorContext::openParameterMenu(gui::View& control, int tag, gui::Point in
 
 void EditorContext::openValueField(gui::View& control, int id)
 {
+    const gui::Rect around = control.boundsInFrame();
+    openTextField(control, {around.x, around.bottom() - kFieldHeight, around.width, kFieldHeight},
+                  text(id), [this, id](const std::string& typed) {
+                      if (const auto value = valueFromText(id, typed)) {
+                          actions_.controlChanged(id, *value);
+                          tellValue(id);
+                      }
+                  });
+}
+
+void EditorContext::openTextField(gui::View& control, const gui::Rect& around,
+                                  std::string_view text,
+                                  std::function<void(const std::string&)> typed)
+{
     gui::Frame* frame = control.frame();
     if (frame == nullptr)
         return;
-    constexpr float kWidth = 96.0f;
-    constexpr float kHeight = 22.0f;
-    const gui::Rect around = control.boundsInFrame();
-    const gui::Rect place{
-        std::clamp(around.centre().x - kWidth / 2, 4.0f, frame->size().x - kWidth - 4.0f),
-        std::clamp(around.bottom() - kHeight, 4.0f, frame->size().y - kHeight - 4.0f), kWidth,
-        kHeight};
+    const gui::Point most{frame->size().x - kFieldWidth - 4.0f,
+                          frame->size().y - kFieldHeight - 4.0f};
+    const gui::Point corner{around.centre().x - kFieldWidth / 2,
+                            around.centre().y - kFieldHeight / 2};
     auto field = std::make_unique<gui::TextEdit>(
-        place, gui::TextEdit::Options{false, 40, false, {}, "Value"});
+        gui::Rect{std::clamp(corner.x, 4.0f, most.x), std::clamp(corner.y, 4.0f, most.y),
+                  kFieldWidth, kFieldHeight},
+        gui::TextEdit::Options{false, 40, false, {}, "Value"});
     gui::TextEdit* const edit = field.get();
-    field->setText(text(id));
-    field->committed = [this, frame, edit, id](const std::string& typed) {
-        if (const auto value = valueFromText(id, typed)) {
-            actions_.controlChanged(id, *value);
-            tellValue(id);
-        }
+    field->setText(text);
+    field->committed = [typed = std::move(typed), frame, edit](const std::string& entered) {
+        typed(entered);
         frame->dismissOverlay(*edit);
     };
     field->cancelled = [frame, edit] { frame->dismissOverlay(*edit); };

@@ -78,6 +78,9 @@ public:
     void openParameterMenu(gui::View& control, int tag, gui::Point inFrame);
     // A field over the control that takes a typed value.
     void openValueField(gui::View& control, int id);
+    // A field over a place in the frame, with a text to begin from, that hands on what is typed.
+    void openTextField(gui::View& control, const gui::Rect& around, std::string_view text,
+                       std::function<void(const std::string& typed)> typed);
     // Shown in the header while a value moves; empty to end it.
     std::function<void(const std::string& text)> showStatus;
     // Opens the browser or closes it.
