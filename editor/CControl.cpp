@@ -25,6 +25,8 @@ CControl::CControl(EditorContext& context, const ControlRow& row)
 
 CControl::~CControl()
 {
+    if (gesture_.isActive()) // the window closes in the middle of it
+        context_.actions().endGesture(row_.tag);
     if (id_ >= 0)
         context_.forget(*this);
 }
@@ -113,7 +115,7 @@ void CControl::change(float value)
     context_.actions().controlChanged(row_.tag, value);
     context_.tellValue(id_);
     if (gesture_.isActive() && context_.showStatus && id_ >= 0)
-        context_.showStatus(std::string(row_.spoken) + "  " + context_.textOf(id_, value));
+        context_.showStatus(spokenName() + "  " + context_.textOf(id_, value));
     invalidate();
 }
 
