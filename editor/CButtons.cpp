@@ -15,21 +15,6 @@ namespace {
 
 constexpr float kOn = 0.00001f;
 
-void drawWell(gui::Canvas& canvas, const gui::Rect& bounds, bool lit)
-{
-    canvas.fillRoundRect(bounds, theme::kControlRadius, theme::kWell);
-    canvas.strokeRoundRect(bounds, theme::kControlRadius, 1.0f, lit ? theme::kTrack : theme::kEdge);
-}
-
-void drawArrow(gui::Canvas& canvas, gui::Point centre, float dx, float dy, gui::Color color)
-{
-    gui::Path arrow;
-    arrow.moveTo({centre.x - dx - dy, centre.y - dy - dx})
-        .lineTo({centre.x + dx, centre.y + dy})
-        .lineTo({centre.x - dx + dy, centre.y - dy + dx});
-    canvas.stroke(arrow, {1.4f, gui::LineCap::round}, color);
-}
-
 bool isAdvanceKey(const gui::KeyEvent& event)
 {
     return event.key == gui::Key::space || event.key == gui::Key::enter;
@@ -46,7 +31,7 @@ void CToggle::draw(gui::Canvas& canvas)
     if (on) {
         canvas.fillRoundRect(bounds, theme::kControlRadius, accent().withAlpha(0.9f));
     } else {
-        drawWell(canvas, bounds, isHovered());
+        drawField(canvas, bounds, isHovered());
     }
     canvas.textIn(row().label, bounds, theme::kSmallTitle,
                   on            ? theme::kWell
@@ -87,7 +72,7 @@ void CSegments::draw(gui::Canvas& canvas)
     const gui::Rect bounds = canvas.snap(localBounds());
     const auto& choices = context().choices(id());
     const int chosen = context().choiceAt(id(), value());
-    drawWell(canvas, bounds, isHovered());
+    drawField(canvas, bounds, isHovered());
     const float width = bounds.width / static_cast<float>(std::max<std::size_t>(1, choices.size()));
     for (std::size_t i = 0; i < choices.size(); ++i) {
         const gui::Rect part =
@@ -188,7 +173,7 @@ bool sendsPosition(int tag)
 void CMenu::draw(gui::Canvas& canvas)
 {
     const gui::Rect bounds = canvas.snap(localBounds());
-    drawWell(canvas, bounds, isHovered());
+    drawField(canvas, bounds, isHovered());
     const MenuItems items = itemsOf(context(), row(), id());
     const bool known = items.chosen >= 0 && items.chosen < static_cast<int>(items.names.size());
     gui::Rect text = bounds.inset(8.0f, 0.0f);
@@ -275,7 +260,7 @@ bool CMenu::mouseWheel(const gui::WheelEvent& event)
 void CStepper::draw(gui::Canvas& canvas)
 {
     const gui::Rect bounds = canvas.snap(localBounds());
-    drawWell(canvas, bounds, isHovered());
+    drawField(canvas, bounds, isHovered());
     const gui::Color color = isHovered() ? theme::kText : theme::kSecondary;
     const float middle = bounds.y + bounds.height / 2;
     drawArrow(canvas, {bounds.x + bounds.width * 0.25f, middle}, -1.8f, 0.0f, color);

@@ -93,6 +93,7 @@ public:
     void openLearnMenu(int tag);
 
     const EditorPages& pages() const { return pages_; }
+    const ArpPatternTable& patterns() const { return patterns_; }
 
 private:
     struct Row;

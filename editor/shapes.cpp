@@ -1,5 +1,7 @@
 #include "editor/shapes.h"
 
+#include "editor/theme.h"
+
 #include <array>
 #include <span>
 
@@ -102,6 +104,21 @@ void drawShape(gui::Canvas& canvas, Shape shape, const gui::Rect& box, gui::Colo
         canvas.stroke(outline(kSteps, box), stroke, color);
         break;
     }
+}
+
+void drawField(gui::Canvas& canvas, const gui::Rect& bounds, bool lit)
+{
+    canvas.fillRoundRect(bounds, theme::kControlRadius, theme::kWell);
+    canvas.strokeRoundRect(bounds, theme::kControlRadius, 1.0f, lit ? theme::kTrack : theme::kEdge);
+}
+
+void drawArrow(gui::Canvas& canvas, gui::Point centre, float dx, float dy, gui::Color color)
+{
+    gui::Path arrow;
+    arrow.moveTo({centre.x - dx - dy, centre.y - dy - dx})
+        .lineTo({centre.x + dx, centre.y + dy})
+        .lineTo({centre.x - dx + dy, centre.y - dy + dx});
+    canvas.stroke(arrow, {1.4f, gui::LineCap::round}, color);
 }
 
 } // namespace tolm

@@ -1,5 +1,5 @@
 #pragma once
-// Small drawings of waveforms, as icons and as one cycle in a display.
+// Small drawings that controls share: waveforms as icons, the ground of fields, arrows.
 
 #include "gui/Canvas.h"
 
@@ -13,5 +13,10 @@ enum class Shape : std::uint8_t { saw, pulse, sine, triangle, table, steps };
 // Of a choice's text: "Saw", "Pulse", "Sine", "Triangle", "Wavetbl", "S+H".
 Shape shapeNamed(std::string_view text);
 void drawShape(gui::Canvas& canvas, Shape shape, const gui::Rect& box, gui::Color color);
+
+// The dark ground of fields and buttons; lit under the pointer.
+void drawField(gui::Canvas& canvas, const gui::Rect& bounds, bool lit);
+// An open arrow head that points along (dx, dy), which is half of its height.
+void drawArrow(gui::Canvas& canvas, gui::Point centre, float dx, float dy, gui::Color color);
 
 } // namespace tolm
