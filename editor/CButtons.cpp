@@ -2,6 +2,7 @@
 
 #include "editor/controls.h"
 
+#include "editor/CMatrixCells.h"
 #include "editor/shapes.h"
 #include "gui/Frame.h"
 #include "gui/Menu.h"
@@ -316,6 +317,12 @@ std::unique_ptr<CControl> makeControl(EditorContext& context, const ControlRow& 
         return std::make_unique<CMenu>(context, row);
     case ControlKind::stepper:
         return std::make_unique<CStepper>(context, row);
+    case ControlKind::number:
+        return std::make_unique<CNumber>(context, row);
+    case ControlKind::matrixField:
+        return std::make_unique<CMatrixField>(context, row);
+    case ControlKind::matrixAmount:
+        return std::make_unique<CMatrixAmount>(context, row);
     }
     return nullptr;
 }

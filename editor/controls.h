@@ -75,6 +75,20 @@ private:
     void send(float direction);
 };
 
+// A value as text in a field, dragged up and down.
+class CNumber final : public CControl {
+public:
+    using CControl::CControl;
+    void draw(gui::Canvas& canvas) override;
+    bool pressed(const gui::MouseEvent& event) override;
+    void mouseDragged(const gui::MouseEvent& event) override { gesture().drag(event); }
+    void mouseUp(const gui::MouseEvent&) override { gesture().end(); }
+    gui::Cursor cursor() const override { return gui::Cursor::resizeVertical; }
+
+private:
+    float smallestStep() const override;
+};
+
 std::unique_ptr<CControl> makeControl(EditorContext& context, const ControlRow& row);
 
 } // namespace tolm

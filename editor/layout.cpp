@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstddef>
+#include <utility>
 
 namespace tolm {
 
@@ -140,6 +141,21 @@ constexpr std::array<ControlRow, 6> lfoControls(std::size_t n)
         {M, first + 5, toggle, {x + 184, 192, 46, 20}, "Reset", "LFO reset", "Every note starts it anew", MOD},
     }};
 }
+
+// Two columns of twelve rows.
+constexpr std::array<ControlRow, 4> matrixRow(std::size_t n)
+{
+    const Page X = Page::matrix;
+    const int row = static_cast<int>(n);
+    const float x = n < kMatrixRows / 2 ? 36.0f : 538.0f;
+    const float y = 38.0f + 16.0f * static_cast<float>(n % (kMatrixRows / 2));
+    return {{
+        {X, kModSource1 + row, matrixField, {x, y, 94, 15}, "", "Matrix source", "What modulates", MOD},
+        {X, kModAmount1 + row, matrixAmount, {x + 98, y, 202, 15}, "", "Matrix amount", "How far, and to which side", MOD},
+        {X, kModDestination1 + row, matrixField, {x + 300, y, 100, 15}, "", "Matrix destination", "What is modulated", MOD},
+        {X, kModVoices1 + row, matrixField, {x + 404, y, 52, 15}, "", "Matrix voices", "Which voices of a stack it acts on", MOD},
+    }};
+}
 // clang-format on
 
 template <std::size_t... sizes>
@@ -155,7 +171,14 @@ constexpr auto joined(const std::array<ControlRow, sizes>&... parts)
     return all;
 }
 
-constexpr auto kControls = joined(kSingleControls, lfoControls(0), lfoControls(1), lfoControls(2));
+template <std::size_t... rows>
+constexpr auto matrixControls(std::index_sequence<rows...>)
+{
+    return joined(matrixRow(rows)...);
+}
+
+constexpr auto kControls = joined(kSingleControls, lfoControls(0), lfoControls(1), lfoControls(2),
+                                  matrixControls(std::make_index_sequence<kMatrixRows>{}));
 
 } // namespace
 
@@ -167,6 +190,7 @@ const DisplayPlaces kDisplayPlaces = {
      {kEnvX[2] + 10, kLowerY + 28, 176, 66}},
     {{kLfoX[0] + 10, 32, 220, 120}, {kLfoX[1] + 10, 32, 220, 120}, {kLfoX[2] + 10, 32, 220, 120}},
     {kVoicesX + 10, kLowerY + 112, 188, 36},
+    {930, 7, 64, 18},
 };
 
 gui::Rect pagePlace(Page page)

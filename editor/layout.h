@@ -35,6 +35,9 @@ enum class ControlKind : std::uint8_t {
     shapes,   // the same, drawn as waveforms
     menu,     // a field with the chosen entry
     stepper,  // two arrows: previous and next
+    number,   // a value as text, dragged up and down
+    matrixField,
+    matrixAmount,
 };
 
 struct ControlRow {
@@ -62,6 +65,7 @@ struct DisplayPlaces {
     gui::Rect envelopes[3]; // amplitude, filter, modulation
     gui::Rect lfos[3];
     gui::Rect voiceSwitches; // eight in a row
+    gui::Rect matrixTidy;
 };
 extern const DisplayPlaces kDisplayPlaces;
 

@@ -1,5 +1,6 @@
 #include "editor/pages.h"
 
+#include "editor/CMatrixPage.h"
 #include "editor/controls.h"
 #include "editor/displays.h"
 
@@ -61,6 +62,8 @@ std::unique_ptr<gui::View> makePage(EditorContext& context, Page page)
         return voicePage(context);
     case Page::modulation:
         return modulationPage(context);
+    case Page::matrix:
+        return std::make_unique<CMatrixPage>(context);
     default:
         return std::make_unique<TablePage>(context, page);
     }
