@@ -180,6 +180,12 @@ void Actions::endGesture(int tag)
     history_.end();
 }
 
+void Actions::endGestures()
+{
+    while (!openTags_.empty())
+        endGesture(openTags_.back());
+}
+
 void Actions::automated(int id, float value)
 {
     history_.noteValue(id);

@@ -82,6 +82,8 @@ public:
     // for the host one edit. Begins and ends pair up.
     void beginGesture(int tag);
     void endGesture(int tag);
+    // Those that nobody will end any more, as when the window goes in the middle of a drag.
+    void endGestures();
 
     // Zero-terminated where it is stored: the text ends before its first zero, at most 479 bytes.
     void descriptionChanged(std::string_view text);
