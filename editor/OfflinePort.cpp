@@ -25,6 +25,7 @@ bool isKey(int key)
 
 OfflinePort::OfflinePort()
 {
+    editorValues_[kPitchWheel - kStoredParameterCount] = 0.5f;
     rebuildPresetList();
     news = {};
 }
