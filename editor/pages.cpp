@@ -1,6 +1,7 @@
 #include "editor/pages.h"
 
 #include "editor/CMatrixPage.h"
+#include "editor/CTolmFxBox.h"
 #include "editor/controls.h"
 #include "editor/displays.h"
 
@@ -64,6 +65,8 @@ std::unique_ptr<gui::View> makePage(EditorContext& context, Page page)
         return modulationPage(context);
     case Page::matrix:
         return std::make_unique<CMatrixPage>(context);
+    case Page::effects:
+        return std::make_unique<CTolmFxBox>(context);
     default:
         return std::make_unique<TablePage>(context, page);
     }
