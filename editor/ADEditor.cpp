@@ -1,23 +1,38 @@
 #include "editor/ADEditor.h"
 
+#include "editor/CBrowser.h"
+#include "editor/CHeader.h"
+#include "editor/CKeyboardCtrl.h"
+#include "editor/CTabs.h"
+#include "editor/WindowFileSelector.h"
 #include "editor/pages.h"
 #include "gui/Frame.h"
+#include "gui/Message.h"
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace tolm {
 
 namespace {
 
 constexpr double kMeterSeconds = 1.0 / 30.0;
+constexpr float kSmallestScale = 0.75f;
+constexpr float kLargestScale = 2.5f;
 constexpr Page kLowerPages[] = {Page::modulation, Page::matrix, Page::arpeggiator, Page::effects};
+constexpr float kPageValues[] = {0.0f, 0.33f, 0.66f, 1.0f}; // what the page selector is sent
 
 class Backdrop final : public gui::View {
 public:
     Backdrop() : View({0.0f, 0.0f, kWindowSize.x, kWindowSize.y}) {}
     void draw(gui::Canvas& canvas) override { canvas.fillRect(localBounds(), theme::kBack); }
 };
+
+std::size_t indexOf(Page page)
+{
+    return static_cast<std::size_t>(page);
+}
 
 } // namespace
 
@@ -26,14 +41,21 @@ ADEditor::ADEditor(EditorPort& port, const ArpPatternTable& patterns)
       history_(port),
       actions_(port, history_, patterns, *this),
       context_(port, actions_, history_),
-      scale_(gui::displayScale(kWindowSize))
+      shell_(context_),
+      scale_(wantedScale())
 {
+    shell_.applySettings = [this] { applySettings(); };
+    context_.toggleBrowser = [this] {
+        actions_.controlChanged(kTagTwoViews, actions_.pages().secondView ? 0.0f : 1.0f);
+    };
 }
 
 ADEditor::~ADEditor()
 {
     close();
 }
+
+// ---- Opening and closing ---------------------------------------------------------------------
 
 gui::Point ADEditor::windowSize() const
 {
@@ -42,6 +64,8 @@ gui::Point ADEditor::windowSize() const
 
 bool ADEditor::open(gui::NativeHandle parent)
 {
+    if (busy_)
+        return false;
     close();
     auto window = gui::openWindow(parent, kWindowSize, scale_, "Tolm");
     if (window == nullptr)
@@ -53,73 +77,213 @@ bool ADEditor::open(gui::NativeHandle parent)
 void ADEditor::openIn(std::unique_ptr<gui::Window> window)
 {
     close();
+    shell_.settings = loadSettings(port_); // another instance may have changed them
     window_ = std::move(window);
+    takeBankNews(port_.takeNews()); // all else is read while building
     build();
-    port_.takeNews(); // everything was just read
+    fileSelector_ = std::make_unique<WindowFileSelector>(window_->frame(), shell_);
+    port_.useFileSelector(fileSelector_.get());
     idle();
 }
 
 void ADEditor::close()
 {
+    closeWanted_ = busy_;
+    if (busy_ || window_ == nullptr)
+        return;
+    port_.useFileSelector(nullptr);
+    context_.showStatus = nullptr; // what goes with the window is not told
+    actions_.controlChanged(kTagTwoViews, 0.0f);
     pages_.fill(nullptr);
+    header_ = nullptr;
+    browser_ = nullptr;
+    tabs_ = nullptr;
     window_.reset();
+    actions_.endGestures();
+    fileSelector_.reset();
+    noticeShown_ = false;
+    if (std::exchange(settingsChanged_, false) | std::exchange(sizeRefused_, false))
+        scale_ = wantedScale();
 }
 
 void ADEditor::build()
 {
     gui::Frame& frame = window_->frame();
     frame.setStyle(theme::overlayStyle());
-    gui::View& root = frame.content().emplace<Backdrop>();
-    for (int i = 0; i < kPageCount; ++i)
-        pages_[static_cast<std::size_t>(i)] = &root.add(makePage(context_, static_cast<Page>(i)));
-    showPage(lowerPage_);
+    frame.setKeyboardMode(shell_.settings.keyboardMode);
+    context_.doubleClickTypes = shell_.settings.doubleClick == DoubleClick::type;
+    buildPages(frame.content().emplace<Backdrop>());
+    context_.showStatus = [this](const std::string& text) { header_->status().show(text); };
+    showPages(actions_.pages());
+    changesSeen_ = history_.changes();
+}
+
+void ADEditor::buildPages(gui::View& root)
+{
+    header_ = &root.emplace<CHeader>(shell_);
+    pages_[indexOf(Page::header)] = header_;
+    pages_[indexOf(Page::voice)] = &root.add(makePage(context_, Page::voice));
+    tabs_ = &root.emplace<CTabs>(context_);
+    for (const Page page : kLowerPages)
+        pages_[indexOf(page)] = &root.add(makePage(context_, page));
+    browser_ = &root.emplace<CBrowser>(shell_);
+    pages_[indexOf(Page::keyboard)] = &root.add(makeKeyboardPage(context_));
 }
 
 void ADEditor::showPage(Page page)
 {
-    lowerPage_ = page;
-    for (const Page lower : kLowerPages)
-        if (gui::View* view = pages_[static_cast<std::size_t>(lower)])
-            view->setVisible(lower == page);
+    for (std::size_t i = 0; i < std::size(kLowerPages); ++i)
+        if (kLowerPages[i] == page)
+            actions_.controlChanged(kTagEffectPage, kPageValues[i]);
 }
+
+// ---- What the host's calls bring -------------------------------------------------------------
 
 void ADEditor::idle()
 {
     if (window_ == nullptr || busy_)
         return;
+    if (!window_->isAlive()) {
+        close();
+        return;
+    }
     busy_ = true;
     takeNews();
     window_->pump();
     busy_ = false;
+    if (std::exchange(closeWanted_, false))
+        close();
+    else if (std::exchange(settingsChanged_, false))
+        applyScale();
 }
 
 void ADEditor::takeNews()
 {
     const EditorNews news = port_.takeNews();
-    if (news.everything || news.program) {
+    takeBankNews(news);
+    takeValueNews(news);
+    turnWheel(news.wheelDistance);
+    takeMeters();
+    takeNotice();
+}
+
+// A bank that was loaded has nothing to do with the steps before it.
+void ADEditor::takeBankNews(const EditorNews& news)
+{
+    if (!news.everything)
+        return;
+    history_.clear();
+    shell_.comparison.takeAll();
+}
+
+void ADEditor::takeValueNews(const EditorNews& news)
+{
+    const bool all = news.everything || news.program;
+    if (all)
         context_.tellAllValues();
-    } else if (news.parameters.any()) {
-        for (int id = 0; id < kParameterCount; ++id)
-            if (news.parameters[static_cast<std::size_t>(id)])
-                context_.tellValue(id);
+    for (int id = 0; id < kParameterCount && !all; ++id)
+        if (news.parameters[static_cast<std::size_t>(id)])
+            context_.tellValue(id);
+    if (all || news.presetList || news.parameters.any() || history_.changes() != changesSeen_)
+        shell_.tellProgram();
+    changesSeen_ = history_.changes();
+    if (const auto learning = port_.learningId();
+        learning != learningSeen_ || news.learnedController) {
+        learningSeen_ = learning;
+        header_->status().invalidate();
     }
+}
+
+void ADEditor::takeMeters()
+{
     const double now = window_->frame().host().now();
-    if (now - metersAt_ >= kMeterSeconds || now < metersAt_) {
-        metersAt_ = now;
-        context_.tellMeters(port_.meters());
+    if (now - metersAt_ < kMeterSeconds && now >= metersAt_)
+        return;
+    metersAt_ = now;
+    context_.tellMeters(port_.meters());
+}
+
+void ADEditor::takeNotice()
+{
+    if (noticeShown_)
+        return;
+    std::optional<EditorNotice> notice = port_.takeNotice();
+    if (!notice)
+        return;
+    noticeShown_ = true;
+    gui::MessageRequest request;
+    request.title = notice->title.empty() ? "Info" : notice->title;
+    request.text = std::move(notice->text);
+    request.answered = [this](int) { noticeShown_ = false; };
+    gui::Message::show(window_->frame(), std::move(request));
+}
+
+// Hosts that keep the mouse wheel for themselves pass on how far it was turned.
+void ADEditor::turnWheel(float distance)
+{
+    gui::View* const pointed = window_->frame().hovered();
+    if (distance == 0.0f || pointed == nullptr)
+        return;
+    gui::WheelEvent event;
+    event.position = pointed->boundsInFrame().centre();
+    event.steps = distance;
+    window_->frame().mouseWheel(event);
+}
+
+// ---- Settings and size -----------------------------------------------------------------------
+
+float ADEditor::wantedScale() const
+{
+    const int percent = shell_.settings.scalePercent;
+    return percent > 0
+               ? std::clamp(static_cast<float>(percent) / 100.0f, kSmallestScale, kLargestScale)
+               : gui::displayScale(kWindowSize);
+}
+
+// From a menu inside the window, which is not resized before its handler has returned.
+void ADEditor::applySettings()
+{
+    saveSettings(port_, shell_.settings);
+    context_.doubleClickTypes = shell_.settings.doubleClick == DoubleClick::type;
+    if (window_ != nullptr)
+        window_->frame().setKeyboardMode(shell_.settings.keyboardMode);
+    settingsChanged_ = true;
+}
+
+// A host that keeps its window's size gets a window that fits it; the new size holds from the next
+// opening.
+void ADEditor::applyScale()
+{
+    const float before = scale_;
+    scale_ = wantedScale();
+    if (scale_ == before)
+        return;
+    const gui::Point size = windowSize();
+    busy_ = true; // hosts may call from within
+    const bool resized = port_.resizeHostWindow(static_cast<int>(size.x), static_cast<int>(size.y));
+    busy_ = false;
+    if (resized) {
+        window_->setScale(scale_);
+    } else {
+        scale_ = before;
+        sizeRefused_ = true;
     }
+    if (std::exchange(closeWanted_, false))
+        close();
 }
 
 void ADEditor::setScale(float scale)
 {
-    scale_ = std::clamp(scale, 0.75f, 2.5f);
+    scale_ = std::clamp(scale, kSmallestScale, kLargestScale);
     if (window_ != nullptr)
         window_->setScale(scale_);
 }
 
+// ---- What actions show -----------------------------------------------------------------------
+
 void ADEditor::showWave(int oscillator, int)
 {
-    context_.tellValue(oscillator == 0 ? kOsc1Wave : kOsc2Wave);
+    context_.tellValue(oscillator == 1 ? kOsc1Wave : kOsc2Wave);
 }
 
 void ADEditor::showFilterType()
@@ -132,15 +296,24 @@ void ADEditor::showArpMode()
     context_.tellValue(kArpMode);
 }
 
+// The browser lies over the voice area and the lower pane, which rest while it is open.
 void ADEditor::showPages(const EditorPages& pages)
 {
-    const int page = std::clamp(pages.effectPage, 0, 3);
-    showPage(kLowerPages[page]);
+    if (window_ == nullptr || browser_ == nullptr)
+        return;
+    const bool browsing = pages.secondView;
+    const Page lower = kLowerPages[std::clamp(pages.effectPage, 0, 3)];
+    pages_[indexOf(Page::voice)]->setVisible(!browsing);
+    tabs_->setVisible(!browsing);
+    tabs_->invalidate();
+    for (const Page page : kLowerPages)
+        pages_[indexOf(page)]->setVisible(!browsing && page == lower);
+    browser_->show(browsing);
 }
 
 void ADEditor::refresh()
 {
-    context_.tellAllValues();
+    shell_.tellAll();
 }
 
 } // namespace tolm
