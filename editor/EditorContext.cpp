@@ -6,6 +6,7 @@
 #include "gui/TextEdit.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 
 namespace tolm {
@@ -13,6 +14,8 @@ namespace tolm {
 namespace {
 
 constexpr int kChoiceProbes = 2048;
+constexpr float kBendSemitones = 64.0f; // of a bend knob's whole range
+constexpr float kUsualBend = 2.0f / kBendSemitones;
 constexpr int kLargestChoiceCount = 40;
 constexpr float kFieldWidth = 96.0f; // where values are typed
 constexpr float kFieldHeight = 22.0f;
@@ -39,6 +42,21 @@ constexpr Reach kReach[] = {
     {28, kVolume},       {90, kVoiceSpread},    {7, kVoiceDetune},
 };
 
+// Texts that change with another parameter, such as a rate that is a note length with sync.
+bool dependsOnOthers(int id)
+{
+    return id == kArpRate || id == kLfo1Rate || id == kLfo1Rate + kLfoIdStride ||
+           id == kLfo1Rate + 2 * kLfoIdStride || id == kDistColour;
+}
+
+std::vector<Choice> storedIds(std::span<const MenuEntry> menu)
+{
+    std::vector<Choice> choices;
+    for (const MenuEntry& entry : menu)
+        choices.push_back({entry.name, static_cast<float>(entry.id)});
+    return choices;
+}
+
 bool reaches(int destination, int parameter)
 {
     return std::any_of(std::begin(kReach), std::end(kReach), [&](const Reach& reach) {
@@ -48,8 +66,20 @@ bool reaches(int destination, int parameter)
 
 } // namespace
 
+float EditorContext::value(int id) const
+{
+    // The bend ranges are settings of the plug-in, not of a program.
+    if (id == kBendUp)
+        return static_cast<float>(port_.bendUpRange()) / kBendSemitones;
+    if (id == kBendDown)
+        return static_cast<float>(port_.bendDownRange()) / kBendSemitones;
+    return port_.value(id);
+}
+
 std::string EditorContext::textOf(int id, float value) const
 {
+    if (id == kBendUp || id == kBendDown)
+        return std::to_string(static_cast<int>(value * kBendSemitones)) + " st";
     const auto context = textContext([this](int other) { return port_.value(other); });
     if (const std::string_view menu = menuText(id, value); !menu.empty())
         return std::string(menu);
@@ -58,14 +88,27 @@ std::string EditorContext::textOf(int id, float value) const
 
 std::optional<float> EditorContext::valueFromText(int id, std::string_view text) const
 {
+    if (id == kBendUp || id == kBendDown) {
+        int semitones = -1;
+        std::from_chars(text.data(), text.data() + text.size(), semitones);
+        const bool fits = semitones >= 0 && static_cast<float>(semitones) <= kBendSemitones;
+        return fits ? std::optional(static_cast<float>(semitones) / kBendSemitones) : std::nullopt;
+    }
     return parameterValue(id, text, textContext([this](int other) { return port_.value(other); }));
 }
 
 const std::vector<Choice>& EditorContext::choices(int id)
 {
     std::vector<Choice>& known = choices_[static_cast<std::size_t>(id)];
-    known.clear();
-    // Neighbouring values with one text are one choice; a continuous parameter has too many.
+    if (known.empty() || dependsOnOthers(id))
+        known = id == kFmMode ? storedIds(kFmModeMenu) : probed(id);
+    return known;
+}
+
+// Neighbouring values with one text are one choice; a continuous parameter has too many.
+std::vector<Choice> EditorContext::probed(int id) const
+{
+    std::vector<Choice> found;
     int first = 0;
     std::string text = textOf(id, 0.0f);
     for (int probe = 1; probe <= kChoiceProbes + 1; ++probe) {
@@ -73,15 +116,13 @@ const std::vector<Choice>& EditorContext::choices(int id)
         const std::string next = probe <= kChoiceProbes ? textOf(id, at) : std::string();
         if (next == text && probe <= kChoiceProbes)
             continue;
-        known.push_back({text, static_cast<float>(first + probe - 1) / (2.0f * kChoiceProbes)});
-        if (known.size() > kLargestChoiceCount) {
-            known.clear();
-            return known;
-        }
+        found.push_back({text, static_cast<float>(first + probe - 1) / (2.0f * kChoiceProbes)});
+        if (found.size() > kLargestChoiceCount)
+            return {};
         first = probe;
         text = next;
     }
-    return known;
+    return found;
 }
 
 int EditorContext::choiceAt(int id, float value)
@@ -96,7 +137,7 @@ int EditorContext::choiceAt(int id, float value)
 float EditorContext::defaultValue(int id) const
 {
     if (id < 0 || id >= kStoredParameterCount)
-        return id == kPitchWheel ? 0.5f : 0.0f;
+        return id == kPitchWheel ? 0.5f : id == kBendUp || id == kBendDown ? kUsualBend : 0.0f;
     return port_.initialRecord().values[static_cast<std::size_t>(id)];
 }
 

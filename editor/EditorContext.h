@@ -48,7 +48,7 @@ public:
     Actions& actions() { return actions_; }
     EditHistory& history() { return history_; }
 
-    float value(int id) const { return port_.value(id); }
+    float value(int id) const;
     // As a player reads it, with its unit.
     std::string text(int id) const { return textOf(id, value(id)); }
     std::string textOf(int id, float value) const;
@@ -89,6 +89,8 @@ public:
     bool doubleClickTypes = true;
 
 private:
+    std::vector<Choice> probed(int id) const;
+
     EditorPort& port_;
     Actions& actions_;
     EditHistory& history_;

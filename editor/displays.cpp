@@ -126,21 +126,23 @@ void CLfoDisplay::draw(gui::Canvas& canvas)
     const gui::Rect area = drawWell(canvas, 8, 2);
     const Shape shape = shapeNamed(context().text(firstId_));
     const float skew = context().value(firstId_ + 2);
-    // The engine's bend: at full skew the plain shape, below it sharper.
+    // Powers bend the shapes, as in the engine; in the middle they are plain.
+    const float sawExponent = 0.25f * std::pow(16.0f, skew);
+    const float sineExponent = 0.5f * std::pow(4.0f, skew);
     const auto at = [&](float phase) {
         switch (shape) {
         case Shape::pulse:
             return phase < 0.004f + 0.992f * skew ? 1.0f : -1.0f;
         case Shape::sine: {
             const float s = std::sin(2.0f * 3.14159265f * phase);
-            return std::copysign(std::pow(std::abs(s), 1.0f / std::max(0.05f, skew)), s);
+            return std::copysign(std::pow(std::abs(s), sineExponent), s);
         }
         case Shape::steps: {
             constexpr float kHeld[] = {0.3f, -0.7f, 0.9f, -0.1f};
             return kHeld[static_cast<std::size_t>(phase * 3.999f)];
         }
         default:
-            return 2.0f * std::pow(1.0f - phase, 1.0f / std::max(0.05f, skew)) - 1.0f;
+            return 2.0f * std::pow(1.0f - phase, sawExponent) - 1.0f;
         }
     };
     std::array<float, 321> values;

@@ -130,4 +130,14 @@ private:
     int pointed_ = -1;
 };
 
+// What the matrix does, row by row, as far as there is room. A click opens the matrix.
+class CModulationList final : public CDisplay {
+public:
+    CModulationList(EditorContext& context, gui::Rect place);
+    void draw(gui::Canvas& canvas) override;
+    bool mouseDown(const gui::MouseEvent& event) override;
+    std::string tooltip() const override { return "Rows of the matrix in use. Click to edit them"; }
+    gui::Cursor cursor() const override { return gui::Cursor::hand; }
+};
+
 } // namespace tolm

@@ -190,6 +190,7 @@ const DisplayPlaces kDisplayPlaces = {
      {kEnvX[2] + 10, kLowerY + 28, 176, 66}},
     {{kLfoX[0] + 10, 32, 220, 120}, {kLfoX[1] + 10, 32, 220, 120}, {kLfoX[2] + 10, 32, 220, 120}},
     {kVoicesX + 10, kLowerY + 112, 188, 36},
+    {kPlayX + 10, 104, 240, 120},
     {930, 7, 64, 18},
 };
 

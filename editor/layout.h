@@ -65,6 +65,7 @@ struct DisplayPlaces {
     gui::Rect envelopes[3]; // amplitude, filter, modulation
     gui::Rect lfos[3];
     gui::Rect voiceSwitches; // eight in a row
+    gui::Rect modulationList;
     gui::Rect matrixTidy;
 };
 extern const DisplayPlaces kDisplayPlaces;

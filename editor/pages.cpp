@@ -51,6 +51,7 @@ std::unique_ptr<gui::View> modulationPage(EditorContext& context)
     auto page = std::make_unique<TablePage>(context, Page::modulation);
     for (int lfo = 0; lfo < 3; ++lfo)
         page->emplace<CLfoDisplay>(context, lfo, kDisplayPlaces.lfos[lfo]);
+    page->emplace<CModulationList>(context, kDisplayPlaces.modulationList);
     return page;
 }
 
