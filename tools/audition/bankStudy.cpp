@@ -44,11 +44,11 @@ BankStudy studyBank(const std::vector<Sound>& sounds,
                                             featuresOf(record, sound.descriptors, kHarderTouch)};
         },
         progress);
-    Likeness likeness(std::move(features));
-    likeness.setUnit(touches);
+    study.likeness = Likeness(std::move(features));
+    study.likeness.setUnit(touches);
     std::vector<double> costs;
     for (std::size_t i = 0; i < sounds.size(); ++i) {
-        study.sounds[i].nearest = likeness.nearest(i);
+        study.sounds[i].nearest = study.likeness.nearest(i);
         costs.push_back(study.sounds[i].descriptors.cpuNsPerFrame);
     }
     study.medianCpuNsPerFrame = medianOf(std::move(costs));

@@ -21,6 +21,7 @@ struct StudiedSound {
 struct BankStudy {
     std::vector<StudiedSound> sounds; // as given
     double medianCpuNsPerFrame = 0.0;
+    Likeness likeness{{}}; // by the same indices
 };
 
 // Spread over the cores; `progress` hears how many sounds are done.

@@ -69,7 +69,7 @@ static_assert(std::size(kDescriptorColumns) == kDescriptorCount);
 
 struct Descriptors {
     std::array<double, kDescriptorCount> values{};
-    double cpuNsPerFrame = 0.0; // of eight notes
+    double cpuNsPerFrame = 0.0; // of eight notes, of two chords
 
     double& operator[](Descriptor d) { return values[static_cast<std::size_t>(d)]; }
     double operator[](Descriptor d) const { return values[static_cast<std::size_t>(d)]; }

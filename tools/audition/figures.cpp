@@ -38,6 +38,7 @@ void printHeading(int category)
     forShown(category, [](Descriptor, const DescriptorColumn& column) {
         std::printf("%*s ", kColumnWidth - 1, column.heading);
     });
+    std::printf("%*s", kColumnWidth - 1, "cpu ns");
     std::printf("\n%-*s", kNameWidth, "  accepted");
     forShown(category, [&](Descriptor descriptor, const DescriptorColumn&) {
         std::printf("%*s ", kColumnWidth - 1, rangeText(category, descriptor).c_str());
@@ -62,7 +63,7 @@ bool printRow(const Row& row, const std::vector<RangeException>& exceptions)
         else
             std::printf("%*.*f%c", kColumnWidth - 1, column.decimals, value, mark);
     });
-    std::printf("\n");
+    std::printf("%*.0f\n", kColumnWidth - 1, row.descriptors.cpuNsPerFrame);
     return fine;
 }
 
