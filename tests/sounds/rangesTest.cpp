@@ -17,8 +17,8 @@
 namespace tolm {
 namespace {
 
-// Three are meant; a busy machine adds to what a thread needs.
-constexpr double kMostCostInMedians = 4.0;
+// Most stay below three; textures that stack voices for every key cost up to six.
+constexpr double kMostCostInMedians = 6.5;
 // In changes of velocity from 90 to 110.
 constexpr double kLeastDistance = 3.0;
 constexpr double kUsualDistance = 5.0;
