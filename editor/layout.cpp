@@ -29,11 +29,13 @@ constexpr Rect smallCell(float x, float y)
 using enum ControlKind;
 constexpr Page V = Page::voice;
 constexpr Page M = Page::modulation;
+constexpr Page P = Page::arpeggiator;
 constexpr Accent A1 = Accent::osc1;
 constexpr Accent A2 = Accent::osc2;
 constexpr Accent F = Accent::filter;
 constexpr Accent B = Accent::value;
 constexpr Accent MOD = Accent::modulation;
+constexpr Accent R = Accent::rhythm;
 constexpr Accent N = Accent::neutral;
 
 // The upper row of the voice area; panels are 161 high and 8 apart.
@@ -49,6 +51,8 @@ constexpr float kEnvX[3] = {0.0f, 204.0f, 408.0f};
 // The modulation page.
 constexpr float kLfoX[3] = {0.0f, 248.0f, 496.0f};
 constexpr float kPlayX = 744.0f;
+// The arpeggiator page.
+constexpr float kStepsX = 274.0f;
 
 // clang-format off
 constexpr PanelRow kPanels[] = {
@@ -65,6 +69,8 @@ constexpr PanelRow kPanels[] = {
     {M, {kLfoX[1], 0, 240, 234}, "LFO 2", MOD},
     {M, {kLfoX[2], 0, 240, 234}, "LFO 3", MOD},
     {M, {kPlayX, 0, 260, 234}, "GLIDE & BEND", B},
+    {P, {0, 0, 266, 234}, "ARPEGGIATOR", R},
+    {P, {kStepsX, 0, 730, 234}, "PATTERN", R},
 };
 
 constexpr auto kSingleControls = std::to_array<ControlRow>({
@@ -125,6 +131,15 @@ constexpr auto kSingleControls = std::to_array<ControlRow>({
 
     {M, kGlide, knob, cell(kPlayX + 14, 34), "Glide", "Glide", "Time from note to note; off at the left end", B},
     {M, kTagBendUp, knob, cell(kPlayX + 100, 34), "Bend Up", "Bend range up", "Semitones of the pitch wheel upwards", B},
+    {P, kArpOn, toggle, {196, 7, 60, 18}, "On", "Arpeggiator on", "Held keys play the pattern", R},
+    {P, kArpMode, menu, {10, 34, 246, 20}, "", "Arpeggiator mode", "What keys and steps do", R},
+    {P, kArpRate, knob, cell(8, 86), "Rate", "Arpeggiator rate", "Steps per second, or the length of a step with Sync", R},
+    {P, kArpLength, knob, cell(72, 86), "Length", "Arpeggiator note length", "Rests end their notes earlier or later", R},
+    {P, kArpSwing, knob, cell(136, 86), "Swing", "Arpeggiator swing", "Moves the third step of each four", R},
+    {P, kArpRange, knob, cell(200, 86), "Velocity", "Arpeggiator velocity mix", "From the velocities of the keys to those of the steps", R},
+    {P, kArpSync, toggle, {10, 158, 54, 20}, "Sync", "Arpeggiator sync", "The rate follows the tempo", R},
+    {P, kArpStepCount, number, {kStepsX + 652, 7, 68, 18}, "", "Arpeggiator length", "How many steps are played", R},
+
     {M, kTagBendDown, knob, cell(kPlayX + 186, 34), "Bend Down", "Bend range down", "Semitones of the pitch wheel downwards", B},
 });
 
@@ -192,6 +207,10 @@ const DisplayPlaces kDisplayPlaces = {
     {kVoicesX + 10, kLowerY + 112, 188, 36},
     {kPlayX + 10, 104, 240, 120},
     {930, 7, 64, 18},
+    {10, 58, 210, 20},
+    {224, 58, 32, 20},
+    {10, 158, 248, 70},
+    {kStepsX, 0, 730, 234},
 };
 
 gui::Rect pagePlace(Page page)

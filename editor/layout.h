@@ -67,6 +67,10 @@ struct DisplayPlaces {
     gui::Rect voiceSwitches; // eight in a row
     gui::Rect modulationList;
     gui::Rect matrixTidy;
+    gui::Rect arpPatterns;
+    gui::Rect arpTools;
+    gui::Rect arpHint;
+    gui::Rect arpSteps; // the whole panel
 };
 extern const DisplayPlaces kDisplayPlaces;
 

@@ -1,5 +1,7 @@
 #include "editor/pages.h"
 
+#include "editor/CArpMainMM.h"
+#include "editor/CArpMainMMPatterns.h"
 #include "editor/CMatrixPage.h"
 #include "editor/CTolmFxBox.h"
 #include "editor/controls.h"
@@ -55,6 +57,26 @@ std::unique_ptr<gui::View> modulationPage(EditorContext& context)
     return page;
 }
 
+gui::View* controlOf(const gui::View& page, int tag)
+{
+    for (const auto& child : page.children())
+        if (const auto* control = dynamic_cast<const CControl*>(child.get());
+            control != nullptr && control->row().tag == tag)
+            return child.get();
+    return nullptr;
+}
+
+std::unique_ptr<gui::View> arpeggiatorPage(EditorContext& context)
+{
+    auto page = std::make_unique<TablePage>(context, Page::arpeggiator);
+    const DisplayPlaces& places = kDisplayPlaces;
+    page->emplace<CArpPatternMenu>(context, places.arpPatterns);
+    page->emplace<CArpPatternTools>(context, places.arpTools);
+    page->emplace<CArpModeHint>(context, controlOf(*page, kArpRange), places.arpHint);
+    page->emplace<CArpMainMM>(context, places.arpSteps);
+    return page;
+}
+
 } // namespace
 
 std::unique_ptr<gui::View> makePage(EditorContext& context, Page page)
@@ -68,6 +90,8 @@ std::unique_ptr<gui::View> makePage(EditorContext& context, Page page)
         return std::make_unique<CMatrixPage>(context);
     case Page::effects:
         return std::make_unique<CTolmFxBox>(context);
+    case Page::arpeggiator:
+        return arpeggiatorPage(context);
     default:
         return std::make_unique<TablePage>(context, page);
     }
