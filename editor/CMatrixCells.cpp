@@ -12,7 +12,7 @@ namespace tolm {
 namespace {
 
 constexpr float kRadius = 3.0f;
-constexpr float kReadout = 46.0f; // width of an amount's number
+constexpr float kReadout = 50.0f; // width of an amount's number
 constexpr float kBarInset = 3.0f;
 constexpr float kTickWidth = 2.0f;
 constexpr float kUnusedGround = 0.4f; // how much of a field's ground unused rows keep
@@ -158,11 +158,9 @@ float CMatrixAmount::placeOf(float amount) const
 
 bool CMatrixAmount::pressed(const gui::MouseEvent& event)
 {
-    const auto press = gesture().press(event, value());
-    if (press == gui::DragGesture::Press::drag) {
-        mouseDragged(event); // where the drag begins
+    const auto press = gesture().press(turned(event), value());
+    if (press == gui::DragGesture::Press::drag)
         return true;
-    }
     const bool types =
         (press == gui::DragGesture::Press::doubleClick) == context().doubleClickTypes;
     if (types)
@@ -173,12 +171,12 @@ bool CMatrixAmount::pressed(const gui::MouseEvent& event)
 }
 
 // The gesture counts upwards; here it is sideways, and the bar's end stays below the pointer.
-void CMatrixAmount::mouseDragged(const gui::MouseEvent& event)
+gui::MouseEvent CMatrixAmount::turned(const gui::MouseEvent& event) const
 {
-    gui::MouseEvent turned = event;
+    gui::MouseEvent upwards = event;
     const float range = bar().width - 2 * kBarInset;
-    turned.position.y = -event.position.x * gui::DragGesture::kFullRangePixels / range;
-    gesture().drag(turned);
+    upwards.position.y = -event.position.x * gui::DragGesture::kFullRangePixels / range;
+    return upwards;
 }
 
 void CMatrixAmount::gestureEnded()
@@ -224,7 +222,7 @@ void CMatrixAmount::drawBar(gui::Canvas& canvas) const
     if (const std::optional<float> at = tick())
         canvas.fillRect(
             canvas.snap({*at - kTickWidth / 2, area.y + 1.0f, kTickWidth, area.height - 2.0f}),
-            gui::mix(accent(), theme::kText, 0.75f));
+            gui::mix(accent(), theme::kText, 0.6f));
 }
 
 void CMatrixAmount::draw(gui::Canvas& canvas)
@@ -239,7 +237,7 @@ void CMatrixAmount::draw(gui::Canvas& canvas)
         canvas.fillRect(
             {canvas.snapX(bar().centre().x), bounds.y + 4.0f, 1.0f, bounds.height - 8.0f},
             theme::kTrack);
-    const gui::Rect number{bounds.right() - kReadout, bounds.y, kReadout - 6.0f, bounds.height};
+    const gui::Rect number{bounds.right() - kReadout, bounds.y, kReadout - 5.0f, bounds.height};
     gui::Color color = used ? theme::kSecondary : theme::kFaint;
     if (isTurning() || (used && isHovered()))
         color = theme::kText;

@@ -48,7 +48,7 @@ public:
     void draw(gui::Canvas& canvas) override;
     gui::Cursor cursor() const override { return gui::Cursor::resizeHorizontal; }
     bool pressed(const gui::MouseEvent& event) override;
-    void mouseDragged(const gui::MouseEvent& event) override;
+    void mouseDragged(const gui::MouseEvent& event) override { gesture().drag(turned(event)); }
     void mouseUp(const gui::MouseEvent&) override { gesture().end(); }
     // The row's source -1..1; nothing while no note sounds.
     void showSource(std::optional<float> source);
@@ -57,6 +57,7 @@ public:
 
 private:
     void gestureEnded() override;
+    gui::MouseEvent turned(const gui::MouseEvent& event) const;
     gui::Rect bar() const;
     float placeOf(float amount) const;
     void drawBar(gui::Canvas& canvas) const;

@@ -129,7 +129,7 @@ int matrixPosition(const EditorContext& context, MatrixCell cell)
 
 std::vector<gui::MenuEntry> matrixEntries(EditorContext& context, MatrixCell cell)
 {
-    const int chosen = matrixPosition(context, cell);
+    int chosen = matrixPosition(context, cell);
     if (cell.column == MatrixColumn::destination)
         return destinationEntries(chosen);
     std::vector<gui::MenuEntry> entries;
@@ -138,6 +138,7 @@ std::vector<gui::MenuEntry> matrixEntries(EditorContext& context, MatrixCell cel
         entries.push_back(entryAt(cell.column, last, -1));
         entries.back().shortcut = "last chosen";
         entries.push_back(gui::MenuEntry::separator());
+        chosen = -1; // no mark, so that the keys begin at the first entry
     }
     for (int position = 0; position < matrixPositions(cell.column); ++position)
         entries.push_back(entryAt(cell.column, position, chosen));

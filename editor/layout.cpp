@@ -138,7 +138,7 @@ constexpr auto kSingleControls = std::to_array<ControlRow>({
     {P, kArpSwing, knob, cell(136, 86), "Swing", "Arpeggiator swing", "Moves the third step of each four", R},
     {P, kArpRange, knob, cell(200, 86), "Velocity", "Arpeggiator velocity mix", "From the velocities of the keys to those of the steps", R},
     {P, kArpSync, toggle, {10, 158, 54, 20}, "Sync", "Arpeggiator sync", "The rate follows the tempo", R},
-    {P, kArpStepCount, number, {kStepsX + 652, 7, 68, 18}, "", "Arpeggiator length", "How many steps are played", R},
+    {P, kArpStepCount, number, {kStepsX + 652, 7, 68, 18}, "", "Arpeggiator steps", "How many steps are played", R},
 
     {M, kTagBendDown, knob, cell(kPlayX + 186, 34), "Bend Down", "Bend range down", "Semitones of the pitch wheel downwards", B},
 });

@@ -1,0 +1,283 @@
+// The arpeggiator page under a mouse and keys, and how it reads steps.
+
+#include "PagesRig.h"
+#include "editor/CArpMainMM.h"
+#include "editor/CArpMainMMPatterns.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <optional>
+
+namespace tolm::test {
+namespace {
+
+using ::testing::Contains;
+using ::testing::Each;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::StartsWith;
+
+constexpr gui::Modifiers kShift{true, false, false};
+constexpr float kDynamic = 5.0f;
+constexpr float kDuophonic = 6.0f;
+constexpr auto kRight = gui::MouseButton::right;
+
+// ---- Readings --------------------------------------------------------------------------------
+
+TEST(ArpSteps, readAsTheModePlaysThem)
+{
+    const struct {
+        StepReading reading;
+        float stored;
+        const char* text;
+    } kCases[] = {
+        {StepReading::note, 0.0f, "---"},        {StepReading::note, 0.0078f, "---"},
+        {StepReading::note, 1.0f / 128, "C-1"},  {StepReading::note, 2.0f / 128, "C#1"},
+        {StepReading::note, 12.0f / 128, "B-1"}, {StepReading::note, 13.0f / 128, "C-2"},
+        {StepReading::note, 44.5f / 128, "G-4"}, {StepReading::note, 127.0f / 128, "F#11"},
+        {StepReading::note, 1.0f, "Tie"},        {StepReading::finger, 0.12f, "---"},
+        {StepReading::finger, 0.125f, "2nd"},    {StepReading::finger, 0.25f, "3rd"},
+        {StepReading::finger, 0.999f, "8th"},    {StepReading::finger, 1.0f, "9th"},
+        {StepReading::velocity, 0.0f, "---"},    {StepReading::velocity, 0.00001f, "---"},
+        {StepReading::velocity, 0.5f, "63"},     {StepReading::velocity, 1.0f, "127"},
+    };
+    for (const auto& one : kCases)
+        EXPECT_EQ(stepText(one.reading, one.stored), one.text) << one.stored;
+    EXPECT_EQ(stepReadout(StepReading::note, 0, 1.0f / 128), "01: C-1  +0 st");
+    EXPECT_EQ(stepReadout(StepReading::note, 31, 1.0f), "32: Tie");
+    EXPECT_EQ(secondReading(arpMode(5.0f)), StepReading::finger);
+    EXPECT_EQ(secondReading(arpMode(6.0f)), StepReading::note);
+    for (const float mode : {0.0f, 1.0f, 2.0f, 3.0f, 4.0f, -7.0f, 99.0f})
+        EXPECT_EQ(secondReading(arpMode(mode)), StepReading::velocity) << mode;
+}
+
+TEST(ArpSteps, everyNumberSurvivesItsValueAndItsText)
+{
+    for (const StepReading reading :
+         {StepReading::note, StepReading::finger, StepReading::velocity})
+        for (int number = 0; number <= largestNumber(reading); ++number) {
+            const float value = stepValue(reading, number);
+            EXPECT_EQ(stepNumber(reading, value), number);
+            EXPECT_EQ(numberFromText(reading, stepText(reading, value)), number) << number;
+        }
+    for (int steps = 1; steps <= kArpSteps; ++steps) { // as the engine counts, either precision
+        EXPECT_EQ(static_cast<int>(arpStepCountValue(steps) * 31.0f) + 1, steps);
+        EXPECT_EQ(static_cast<int>(static_cast<double>(arpStepCountValue(steps)) * 31.0) + 1,
+                  steps);
+    }
+    EXPECT_EQ(numberFromText(StepReading::note, " tie "), 128);
+    EXPECT_EQ(numberFromText(StepReading::note, "+7"), 8);
+    EXPECT_EQ(numberFromText(StepReading::finger, "4TH"), 3);
+    for (const char* text : {"", "H-2", "127", "-1", "C-12", "+"})
+        EXPECT_FALSE(numberFromText(StepReading::note, text)) << text;
+    EXPECT_FALSE(numberFromText(StepReading::velocity, "128"));
+    EXPECT_FALSE(numberFromText(StepReading::finger, "10"));
+}
+
+// ---- Gestures --------------------------------------------------------------------------------
+
+class ArpPage : public ::testing::Test {
+protected:
+    PagesRig rig{Page::arpeggiator};
+
+    ArpPage()
+    {
+        for (int step = 0; step < kArpSteps; ++step) {
+            rig.set(kArpNote1 + step, 1.0f / 128.0f);
+            rig.set(kArpVelocity1 + step, 0.0f);
+        }
+        rig.set(kArpMode, 0.0f);
+        rig.port.takeCalls();
+    }
+    CArpMainMMLane& notes() { return rig.viewOf<CArpMainMMLane>("Arpeggiator notes"); }
+    CArpMainMMLane& second() { return rig.viewOf<CArpMainMMLane>("Arpeggiator velocities"); }
+    static gui::Point at(const CArpMainMMLane& lane, int step, int number)
+    {
+        return lane.toFrame({lane.column(step).centre().x, lane.heightOf(number)});
+    }
+    int velocity(int step) const
+    {
+        return stepNumber(StepReading::velocity, rig.value(kArpVelocity1 + step));
+    }
+    void chooseTool(const std::string& name)
+    {
+        rig.click(rig.middleOf("Arpeggiator pattern commands"));
+        rig.type(name);
+    }
+};
+
+TEST_F(ArpPage, aQuickStrokePaintsEveryStepAndIsOneStepOfUndo)
+{
+    rig.press(at(notes(), 3, 1));
+    rig.move(at(notes(), 6, 13));
+    rig.move(at(notes(), 8, 13));
+    rig.release(at(notes(), 8, 13));
+    const int painted[] = {1, 5, 9, 13, 13, 13, 1};
+    for (int step = 3; step < 10; ++step)
+        EXPECT_EQ(rig.value(256 + step) * 128.0f, static_cast<float>(painted[step - 3])) << step;
+    EXPECT_THAT(rig.port.takeCalls(),
+                ElementsAre("setParameterQuiet 260 0.0390625", "setParameterQuiet 261 0.0703125",
+                            "setParameterQuiet 262 0.101562", "setParameterQuiet 263 0.101562",
+                            "setParameterQuiet 264 0.101562"));
+    EXPECT_EQ(rig.undoAll(), 1);
+    EXPECT_EQ(rig.value(262), 1.0f / 128.0f);
+}
+
+TEST_F(ArpPage, shiftDrawsAStraightLineThatCanBecomeShorterAgain)
+{
+    rig.press(at(second(), 2, 127), gui::MouseButton::left, kShift);
+    rig.move(at(second(), 20, 27), kShift);
+    rig.move(at(second(), 12, 27), kShift);
+    rig.release(at(second(), 12, 27));
+    for (int step = 2; step <= 12; ++step)
+        EXPECT_NEAR(velocity(step), 127 - 10 * (step - 2), 1) << step;
+    for (const int step : {1, 13, 20})
+        EXPECT_EQ(rig.value(kArpVelocity1 + step), 0.0f) << step;
+    EXPECT_EQ(rig.undoAll(), 1);
+}
+
+TEST_F(ArpPage, theRightButtonResetsWhatItCrosses)
+{
+    const float initial = rig.editor.context().defaultValue(kArpVelocity1);
+    ASSERT_GT(initial, 0.0f);
+    rig.press(at(second(), 9, 10), kRight);
+    rig.move(at(second(), 5, 90));
+    rig.release(at(second(), 5, 90), kRight);
+    for (int step = 4; step <= 10; ++step)
+        EXPECT_EQ(rig.value(kArpVelocity1 + step), step >= 5 && step <= 9 ? initial : 0.0f);
+    EXPECT_EQ(rig.undoAll(), 1);
+}
+
+TEST_F(ArpPage, restsAndTiesHaveTheirPlaces)
+{
+    rig.click(at(notes(), 0, 0));
+    rig.click(at(notes(), 1, kTieNumber));
+    rig.click(at(notes(), 2, 25));
+    EXPECT_EQ(rig.value(256), 0.0f);
+    EXPECT_EQ(rig.value(257), 1.0f);
+    EXPECT_EQ(rig.value(258), 25.0f / 128.0f);
+}
+
+TEST_F(ArpPage, theSecondRowPaintsWhatTheModeReads)
+{
+    rig.set(kArpMode, kDynamic);
+    rig.click(at(second(), 4, 3));
+    EXPECT_EQ(rig.value(292), 0.375f);
+    rig.set(kArpMode, kDuophonic);
+    rig.click(at(second(), 5, 20));
+    EXPECT_EQ(rig.value(293), 20.0f / 128.0f);
+    rig.click(at(second(), 6, kTieNumber));
+    EXPECT_EQ(rig.value(294), 1.0f);
+    EXPECT_EQ(rig.editor.context().text(kArpMode), "Mode: Duophonic");
+    EXPECT_FALSE(rig.view("Arpeggiator velocity mix")->isEnabled());
+    rig.set(kArpMode, 3.0f);
+    EXPECT_TRUE(rig.view("Arpeggiator velocity mix")->isEnabled());
+}
+
+TEST_F(ArpPage, theWheelMovesOneStepAndShowsNotesAboveTheRange)
+{
+    const gui::Point third = at(notes(), 2, 5);
+    rig.wheel(third, 1.0f);
+    rig.wheel(third, 1.0f);
+    for (int turn = 0; turn < 4; ++turn)
+        rig.wheel(third, 1.0f, kShift);
+    EXPECT_EQ(rig.value(258), 51.0f / 128.0f);
+    EXPECT_GT(notes().heightOf(51), notes().heightOf(kTieNumber)) << "still below the ties";
+    rig.wait(1.0);
+    rig.wheel(third, -1.0f);
+    rig.wait(1.0);
+    EXPECT_EQ(rig.undoAll(), 2);
+    EXPECT_THAT(rig.port.takeCalls(), Contains("setParameterQuiet 258 0.0234375"));
+}
+
+TEST_F(ArpPage, theRulerSetsTheLength)
+{
+    auto& ruler = rig.viewOf<CArpMainMMRuler>("Arpeggiator length");
+    const auto number = [&](int step) {
+        return ruler.toFrame({notes().column(step - 1).centre().x, 5.0f});
+    };
+    rig.press(number(8));
+    EXPECT_EQ(rig.editor.context().text(kArpStepCount), "8 steps");
+    rig.move(number(12));
+    rig.release(number(12));
+    EXPECT_EQ(rig.editor.context().text(kArpStepCount), "12 steps");
+    const gui::Point edge = ruler.toFrame({notes().column(12).x + 3.0f, 10.0f});
+    rig.press(edge);
+    EXPECT_EQ(rig.editor.context().text(kArpStepCount), "12 steps") << "taken by its handle";
+    rig.move({edge.x + 21.0f, edge.y});
+    rig.release({edge.x + 21.0f, edge.y});
+    EXPECT_EQ(rig.editor.context().text(kArpStepCount), "13 steps");
+    EXPECT_THAT(rig.port.takeCalls(), Each(StartsWith("setParameterQuiet 320 ")));
+    EXPECT_EQ(rig.undoAll(), 2);
+}
+
+TEST_F(ArpPage, keysMoveChangeTypeAndReset)
+{
+    rig.frame().setKeyboardMode(true);
+    rig.frame().setFocus(&notes());
+    rig.key(gui::Key::home);
+    rig.key(gui::Key::right);
+    rig.key(gui::Key::up);
+    EXPECT_EQ(rig.value(257), 2.0f / 128.0f);
+    rig.key(gui::Key::pageUp);
+    EXPECT_EQ(rig.value(257), 14.0f / 128.0f);
+    rig.key(gui::Key::enter);
+    rig.type("g#3");
+    EXPECT_EQ(rig.value(257), 33.0f / 128.0f);
+    rig.frame().setFocus(&notes());
+    rig.key(gui::Key::deleteForward);
+    EXPECT_EQ(rig.value(257), rig.editor.context().defaultValue(257));
+}
+
+TEST_F(ArpPage, patternsAreChosenCopiedPastedAndTurned)
+{
+    rig.click(rig.middleOf("Arpeggiator pattern"));
+    rig.key(gui::Key::end);
+    rig.key(gui::Key::enter);
+    EXPECT_FLOAT_EQ(rig.value(kArpRate), 0.2f) << "the last of the table";
+    EXPECT_THAT(rig.port.takeCalls(), Contains("softAllNotesOff"));
+    EXPECT_EQ(rig.viewOf<CArpPatternMenu>("Arpeggiator pattern").shownPattern(), 2);
+    chooseTool("copy");
+    rig.click(at(notes(), 0, 7));
+    EXPECT_EQ(rig.viewOf<CArpPatternMenu>("Arpeggiator pattern").shownPattern(), 0);
+    chooseTool("one step later"); // of 1 + int(0.2 * 31) = 7 steps
+    EXPECT_EQ(rig.value(257), 7.0f / 128.0f);
+    chooseTool("paste");
+    EXPECT_FLOAT_EQ(rig.value(257), 0.2f);
+    EXPECT_EQ(rig.viewOf<CArpPatternMenu>("Arpeggiator pattern").shownPattern(), 2);
+    EXPECT_EQ(rig.undoAll(), 4);
+}
+
+TEST_F(ArpPage, aClipboardWithoutAPatternChangesNothing)
+{
+    rig.frame().host().copyToClipboard("[[program]]\nname = \"Other\"\n");
+    chooseTool("paste");
+    EXPECT_THAT(rig.port.takeCalls(), IsEmpty());
+}
+
+TEST_F(ArpPage, thePlayingStepPaintsOnlyItsColumns)
+{
+    EditorMeters meters;
+    meters.arpStep = 4;
+    rig.paintedBy(meters);
+    meters.arpStep = 5;
+    const float left = notes().toFrame(notes().column(4).origin()).x;
+    for (const gui::Rect& rect : rig.paintedBy(meters)) {
+        if (rect.y < notes().boundsInFrame().y)
+            continue; // the ruler is small
+        EXPECT_GE(rect.x, left);
+        EXPECT_LE(rect.right(), left + 2 * CArpMainMMLane::kStepWidth);
+    }
+}
+
+TEST_F(ArpPage, closingInTheMiddleOfAStrokeEndsIt)
+{
+    rig.press(at(notes(), 3, 13));
+    rig.editor.close();
+    EXPECT_TRUE(rig.history().undo());
+    EXPECT_EQ(rig.value(259), 1.0f / 128.0f);
+}
+
+} // namespace
+} // namespace tolm::test

@@ -1,0 +1,222 @@
+// The matrix page under a mouse and keys.
+
+#include "PagesRig.h"
+#include "editor/CMatrixPage.h"
+#include "gui/Menu.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace tolm::test {
+namespace {
+
+using ::testing::Contains;
+using ::testing::Each;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::StartsWith;
+
+constexpr gui::Modifiers kShift{true, false, false};
+constexpr gui::Modifiers kAlt{false, false, true};
+
+class MatrixPage : public ::testing::Test {
+protected:
+    PagesRig rig{Page::matrix};
+
+    MatrixPage()
+    {
+        for (int row = 0; row < kMatrixRows; ++row)
+            fill(row, 0.0f, 0.5f, 0.0f);
+    }
+
+    void fill(int row, float source, float amount, float destination)
+    {
+        rig.set(kModSource1 + row, source);
+        rig.set(kModAmount1 + row, amount);
+        rig.set(kModDestination1 + row, destination);
+        rig.port.takeCalls();
+    }
+    static std::string nameOf(const char* column, int row)
+    {
+        return std::string("Matrix ") + column + " " + std::to_string(row + 1);
+    }
+    void dragRow(int from, int to)
+    {
+        rig.press(rig.middleOf(nameOf("row", from)));
+        rig.move(rig.middleOf(nameOf("row", to)));
+        rig.release(rig.middleOf(nameOf("row", to)));
+    }
+};
+
+// The bar is 152 pixels with 3 free at either end: 73 are 100 %.
+TEST_F(MatrixPage, anAmountFollowsThePointerSidewaysAndIsOneStepOfUndo)
+{
+    fill(2, 13.0f, 0.5f, 5.0f);
+    const gui::Point start = rig.view(nameOf("amount", 2))->boundsInFrame().origin();
+    const gui::Point middle{start.x + 76.0f, start.y + 7.0f};
+    rig.press(middle);
+    rig.move({middle.x + 20.0f, middle.y - 60.0f});
+    rig.move({middle.x + 36.5f, middle.y + 40.0f});
+    EXPECT_NEAR(rig.value(162), 0.75f, 0.001f);
+    EXPECT_EQ(rig.editor.context().text(162), "+50 %");
+    rig.move({middle.x + 36.5f + 29.2f, middle.y}, kShift);
+    EXPECT_NEAR(rig.value(162), 0.75f + 0.2f / 8.0f, 0.001f);
+    rig.move({middle.x - 400.0f, middle.y});
+    rig.release({middle.x - 400.0f, middle.y});
+    EXPECT_EQ(rig.value(162), 0.0f);
+    EXPECT_THAT(rig.port.takeCalls(), Each(StartsWith("setParameterQuiet 162 ")));
+    EXPECT_EQ(rig.undoAll(), 1);
+    EXPECT_EQ(rig.value(162), 0.5f);
+}
+
+TEST_F(MatrixPage, anAmountIsTypedTurnedAndReset)
+{
+    fill(4, 1.0f, 0.5f, 3.0f);
+    const gui::Point at = rig.middleOf(nameOf("amount", 4));
+    rig.frame().mouseDown({at, gui::MouseButton::left, {}, 2, 0});
+    rig.release(at);
+    rig.type("-40");
+    EXPECT_NEAR(rig.value(164), 0.3f, 1e-6f);
+    rig.wheel(at, 1.0f);
+    rig.wheel(at, 2.0f);
+    rig.wait(1.0);
+    EXPECT_NEAR(rig.value(164), 0.36f, 1e-5f);
+    rig.history().undo();
+    EXPECT_NEAR(rig.value(164), 0.3f, 1e-6f) << "turns in a row are one step";
+    rig.frame().setFocus(rig.view(nameOf("amount", 4)));
+    rig.key(gui::Key::deleteForward);
+    EXPECT_EQ(rig.value(164), 0.5f);
+}
+
+TEST_F(MatrixPage, aSourceIsFoundByTypingAndOfferedFirstInTheNextEmptyRow)
+{
+    rig.click(rig.middleOf(nameOf("source", 2)));
+    rig.type("lfo3*mw");
+    EXPECT_THAT(rig.port.takeCalls(), ElementsAre("setParameterQuiet 130 18"));
+    EXPECT_EQ(rig.port.rememberedMatrixSource(), 18);
+    rig.click(rig.middleOf(nameOf("source", 9)));
+    rig.key(gui::Key::enter);
+    EXPECT_EQ(rig.value(137), 18.0f);
+    rig.click(rig.middleOf(nameOf("source", 9)));
+    rig.key(gui::Key::up); // the one before in the menu: the row is not empty any more
+    rig.key(gui::Key::enter);
+    EXPECT_EQ(rig.value(137), 17.0f);
+    EXPECT_EQ(rig.undoAll(), 3);
+}
+
+TEST_F(MatrixPage, aVoiceMaskIsRememberedToo)
+{
+    rig.click(rig.middleOf(nameOf("voices", 0)));
+    rig.type("odd");
+    EXPECT_EQ(rig.value(224), 25.0f);
+    rig.click(rig.middleOf(nameOf("voices", 23)));
+    rig.key(gui::Key::enter);
+    EXPECT_EQ(rig.value(247), 25.0f);
+}
+
+// Ids from the menu's table; the row is noted before the sub-menu sends its position.
+TEST_F(MatrixPage, aDestinationGoesThroughItsSubMenu)
+{
+    const struct {
+        const char* typed;
+        float id;
+    } kCases[] = {{"osc 1 semi", 11.0f},   {"noise level", 27.0f},  {"spike hard", 85.0f},
+                  {"filter cutoff", 5.0f}, {"velocity c", 95.0f},   {"lfo 3*comb", 41.0f},
+                  {"mm amount 6", 66.0f},  {"mm amount 24", 84.0f}, {"fx dry", 86.0f}};
+    for (const auto& one : kCases) {
+        rig.click(rig.middleOf(nameOf("destination", 7)));
+        rig.type(one.typed);
+        EXPECT_EQ(rig.value(199), one.id) << one.typed;
+        const auto calls = rig.port.takeCalls();
+        EXPECT_THAT(calls, Contains(StartsWith("setParameter 199 "))) << one.typed;
+        EXPECT_THAT(calls, Contains("updateHostDisplay")) << one.typed;
+    }
+    rig.click(rig.middleOf(nameOf("destination", 7)));
+    rig.key(gui::Key::home);
+    rig.key(gui::Key::enter);
+    EXPECT_EQ(rig.value(199), 0.0f) << "no destination comes first";
+    EXPECT_EQ(rig.undoAll(), 10);
+}
+
+TEST_F(MatrixPage, aRowIsDraggedOntoAnotherAndScalingRowsFollow)
+{
+    fill(0, 3.0f, 0.9f, 62.0f); // MM Amount 2
+    fill(1, 13.0f, 0.7f, 5.0f);
+    dragRow(1, 16);
+    EXPECT_EQ(rig.value(128 + 16), 13.0f);
+    EXPECT_EQ(rig.value(160 + 16), 0.7f);
+    EXPECT_EQ(rig.value(192 + 16), 5.0f);
+    EXPECT_EQ(rig.value(129), 0.0f);
+    EXPECT_EQ(rig.value(192), 77.0f) << "MM Amount 17";
+    EXPECT_EQ(rig.undoAll(), 1);
+    EXPECT_EQ(rig.value(192), 62.0f);
+
+    rig.press(rig.middleOf(nameOf("row", 1)));
+    rig.move(rig.middleOf(nameOf("row", 5)));
+    rig.move({20.0f, 20.0f});
+    rig.release({20.0f, 20.0f});
+    EXPECT_EQ(rig.value(129), 13.0f) << "dropped beside the matrix";
+    EXPECT_EQ(rig.undoAll(), 0);
+}
+
+TEST_F(MatrixPage, rowsAreClearedAndTidied)
+{
+    fill(3, 13.0f, 0.7f, 5.0f);
+    fill(6, 1.0f, 0.8f, 3.0f);
+    fill(8, 2.0f, 0.6f, 0.0f); // no destination
+    rig.click({rig.view("Tidy")->boundsInFrame().centre()});
+    EXPECT_EQ(rig.value(128), 1.0f);
+    EXPECT_EQ(rig.value(129), 13.0f);
+    EXPECT_EQ(rig.value(136), 0.0f);
+    EXPECT_THAT(rig.port.takeCalls(), Contains("reapplyProgram"));
+
+    rig.click(rig.middleOf(nameOf("source", 0)), gui::MouseButton::right);
+    rig.type("clear");
+    EXPECT_EQ(rig.value(128), 0.0f);
+    EXPECT_EQ(rig.value(160), 0.5f);
+    rig.frame().setFocus(rig.view(nameOf("row", 1)));
+    rig.key(gui::Key::deleteForward);
+    EXPECT_EQ(rig.value(129), 0.0f);
+    EXPECT_EQ(rig.undoAll(), 3);
+}
+
+TEST_F(MatrixPage, keysReachEveryCell)
+{
+    fill(11, 1.0f, 0.5f, 3.0f);
+    rig.frame().setKeyboardMode(true);
+    rig.frame().setFocus(rig.view(nameOf("row", 11)));
+    rig.key(gui::Key::tab);
+    EXPECT_EQ(rig.frame().focus(), rig.view(nameOf("source", 11)));
+    rig.key(gui::Key::right); // Velocity is followed by Note #
+    EXPECT_EQ(rig.value(139), 2.0f);
+    rig.key(gui::Key::down);
+    EXPECT_EQ(rig.frame().focus(), rig.view(nameOf("source", 12)));
+    rig.key(gui::Key::up);
+    rig.key(gui::Key::down, kAlt);
+    EXPECT_EQ(rig.value(140), 2.0f) << "the row went down with the focus";
+    EXPECT_EQ(rig.value(139), 0.0f);
+    rig.key(gui::Key::tab);
+    rig.key(gui::Key::left);
+    EXPECT_NEAR(rig.value(172), 0.49f, 1e-5f);
+}
+
+TEST_F(MatrixPage, theTickShowsWhatARowAddsAndPaintsOnlyItsCell)
+{
+    fill(0, 13.0f, 0.75f, 5.0f); // +50 %
+    auto& amount = rig.viewOf<CMatrixAmount>(nameOf("amount", 0));
+    EditorMeters meters;
+    meters.rowSource.fill(1.0f);
+    EXPECT_THAT(rig.paintedBy(meters), IsEmpty());
+    EXPECT_FALSE(amount.tick()) << "no note sounds";
+    meters.voices = 1;
+    for (const gui::Rect& rect : rig.paintedBy(meters))
+        EXPECT_EQ(amount.boundsInFrame().intersection(rect), rect);
+    ASSERT_TRUE(amount.tick());
+    EXPECT_NEAR(*amount.tick(), 76.0f + 36.5f, 0.01f);
+    meters.rowSource[0] = -0.5f;
+    EXPECT_FALSE(rig.paintedBy(meters).empty());
+    EXPECT_NEAR(*amount.tick(), 76.0f - 18.25f, 0.01f);
+}
+
+} // namespace
+} // namespace tolm::test
