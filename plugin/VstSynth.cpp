@@ -1,5 +1,6 @@
 #include "plugin/VstSynth.h"
 
+#include "plugin/EditorWindow.h"
 #include "plugin/PluginEditorPort.h"
 #include "plugin/blockDriver.h"
 #include "plugin/catalogue.h"
@@ -77,6 +78,7 @@ VstSynth::VstSynth(vst2::HostCallback host, std::unique_ptr<SettingsStore> setti
     setFlag(vst2::effFlagsCanReplacing, true);
     setFlag(vst2::effFlagsIsSynth, true);
     setFlag(vst2::effFlagsProgramChunks, true);
+    setEditor(std::make_unique<EditorWindow>(*port_));
 }
 
 VstSynth::~VstSynth()
