@@ -422,12 +422,12 @@ void COutputMeter::drawBar(gui::Canvas& canvas, const gui::Rect& place, const Ba
 void COutputMeter::draw(gui::Canvas& canvas)
 {
     const gui::Rect box = localBounds();
-    constexpr float kText = 34.0f;
-    canvas.textIn(std::to_string(voices_), {0.0f, 2.0f, kText - 8.0f, 16.0f}, theme::kField,
-                  voices_ > 0 ? theme::kText : theme::kFaint, gui::Align::right);
-    canvas.textIn("voices", {-6.0f, 17.0f, kText - 2.0f, 12.0f}, theme::kLabel, theme::kFaint,
+    constexpr float kText = 40.0f;
+    canvas.textIn(std::to_string(voices_), {0.0f, 3.0f, kText - 8.0f, 14.0f}, theme::kField,
+                  voices_ > 0 ? theme::kText : theme::kSecondary, gui::Align::right);
+    canvas.textIn("voices", {0.0f, 17.0f, kText - 8.0f, 12.0f}, theme::kLabel, theme::kFaint,
                   gui::Align::right);
-    drawBar(canvas, {kText, 8.0f, box.width - kText, 6.0f}, left_);
+    drawBar(canvas, {kText, 9.0f, box.width - kText, 6.0f}, left_);
     drawBar(canvas, {kText, 18.0f, box.width - kText, 6.0f}, right_);
 }
 

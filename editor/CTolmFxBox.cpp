@@ -36,12 +36,46 @@ public:
     View* hitTest(gui::Point) override { return nullptr; }
     void draw(gui::Canvas& canvas) override
     {
-        canvas.fillRect(localBounds(), theme::kPanelBottom.withAlpha(0.62f));
+        canvas.fillRect(localBounds(), theme::kPanelBottom.withAlpha(0.5f));
     }
 
 private:
     EditorContext& context_;
     int onId_;
+};
+
+// A pill whose knob lies at the right and whose ground fills while the effect is on.
+class Switch final : public CControl {
+public:
+    using CControl::CControl;
+    void draw(gui::Canvas& canvas) override
+    {
+        const gui::Rect pill = canvas.snap(localBounds());
+        const bool on = value() > kOn;
+        const float radius = pill.height / 2;
+        canvas.fillRoundRect(pill, radius, on ? accent().withAlpha(0.9f) : theme::kWell);
+        canvas.strokeRoundRect(pill, radius, 1.0f,
+                               on            ? accent()
+                               : isHovered() ? theme::kFaint
+                                             : theme::kTrack);
+        canvas.fill(
+            gui::Path::circle({on ? pill.right() - radius : pill.x + radius, pill.centre().y},
+                              radius - 3.0f),
+            on ? theme::kWell : theme::kSecondary);
+        drawFocus(canvas, pill, radius);
+    }
+    bool pressed(const gui::MouseEvent&) override
+    {
+        change(value() > kOn ? 0.0f : 1.0f);
+        return true;
+    }
+    bool keyDown(const gui::KeyEvent& event) override
+    {
+        if (event.key != gui::Key::space && event.key != gui::Key::enter)
+            return CControl::keyDown(event);
+        change(value() > kOn ? 0.0f : 1.0f);
+        return true;
+    }
 };
 
 bool belongsTo(const EffectRow& effect, int tag)
@@ -75,7 +109,7 @@ CTolmFxCard::CTolmFxCard(EditorContext& context, CTolmFxBox& box, int kind)
     emplace<Shade>(context, effect.onId,
                    gui::Rect{2.0f, kTitleHeight, kEffectCardWidth - 4.0f,
                              box.bounds().height - kTitleHeight - 3.0f});
-    add(makeControl(context, *onSwitch));
+    emplace<Switch>(context, *onSwitch);
 }
 
 bool CTolmFxCard::isOn() const

@@ -196,7 +196,7 @@ void CTolmFxPicture::drawReverb(gui::Canvas& canvas, const gui::Rect& area) cons
         const float t = kSeconds * along(i) - start;
         const float level = t < 0.0f ? 0.0f : std::exp(-6.9f * t / seconds);
         const float grain = t < 0.3f ? 0.75f + 0.25f * std::cos(90.0f * t) : 1.0f;
-        values[i] = level * grain * (0.25f + 0.72f * part(3));
+        values[i] = level * grain * (0.45f + 0.5f * part(3));
     }
     drawCurve(canvas, area, values, color());
 }

@@ -32,7 +32,7 @@ inline constexpr std::array<EffectRow, kEffectKinds> kEffectRows = {{
 
 namespace effectLayout {
 
-inline constexpr gui::Rect kSwitch{112, 7, 38, 18};
+inline constexpr gui::Rect kSwitch{120, 9, 30, 14};
 inline constexpr gui::Rect kType{10, 32, 140, 20};
 
 constexpr gui::Rect knobPlace(float column, int row)
@@ -89,24 +89,24 @@ inline constexpr auto kEffectControls = std::to_array<ControlRow>({
     effectLayout::knob(kPhaserType + 1, 0, 0, "Rate", "Phaser rate", "Speed of the sweep", Accent::modulation),
     effectLayout::knob(kPhaserType + 2, 1, 0, "Freq", "Phaser frequency", "Middle of the sweep", Accent::modulation),
     effectLayout::knob(kPhaserType + 5, 2, 0, "Depth", "Phaser depth", "Width of the sweep", Accent::modulation),
-    effectLayout::knob(kPhaserType + 3, 0.5f, 1, "Feedback", "Phaser feedback", "Sharpness of the notches", Accent::modulation),
-    effectLayout::knob(kPhaserType + 4, 1.5f, 1, "Amount", "Phaser amount", "From dry to effect", Accent::modulation),
+    effectLayout::knob(kPhaserType + 3, 0.36f, 1, "Feedback", "Phaser feedback", "Sharpness of the notches", Accent::modulation),
+    effectLayout::knob(kPhaserType + 4, 1.64f, 1, "Amount", "Phaser amount", "From dry to effect", Accent::modulation),
 
     effectLayout::toggle(kDelayOn, "Delay on", Accent::osc1),
     effectLayout::type(kDelayType, "Delay type", Accent::osc1),
     effectLayout::knob(kDelayRateLeft, 0, 0, "Time L", "Delay time left", "Note length of the left echo", Accent::osc1),
     effectLayout::knob(kDelayRateRight, 1, 0, "Time R", "Delay time right", "Note length of the right echo", Accent::osc1),
     effectLayout::knob(kDelayType + 1, 2, 0, "Colour", "Delay colour", "Darker or thinner echoes", Accent::osc1),
-    effectLayout::knob(kDelayType + 2, 0.5f, 1, "Feedback", "Delay feedback", "How much of an echo comes again", Accent::osc1),
-    effectLayout::knob(kDelayType + 3, 1.5f, 1, "Amount", "Delay amount", "Level of the echoes", Accent::osc1),
+    effectLayout::knob(kDelayType + 2, 0.36f, 1, "Feedback", "Delay feedback", "How much of an echo comes again", Accent::osc1),
+    effectLayout::knob(kDelayType + 3, 1.64f, 1, "Amount", "Delay amount", "Level of the echoes", Accent::osc1),
 
     effectLayout::toggle(kReverbOn, "Reverb on", Accent::value),
     effectLayout::type(kReverbType, "Reverb type", Accent::value),
     effectLayout::knob(kReverbType + 4, 0, 0, "Predelay", "Reverb predelay", "Time before the room answers", Accent::value),
     effectLayout::knob(kReverbType + 2, 1, 0, "Decay", "Reverb decay", "Time to die away", Accent::value),
     effectLayout::knob(kReverbType + 1, 2, 0, "Damp", "Reverb damping", "How fast highs die away", Accent::value),
-    effectLayout::knob(kReverbType + 5, 0.5f, 1, "Low Cut", "Reverb low cut", "Lows kept out of the room", Accent::value),
-    effectLayout::knob(kReverbType + 3, 1.5f, 1, "Amount", "Reverb amount", "Level of the room", Accent::value),
+    effectLayout::knob(kReverbType + 5, 0.36f, 1, "Low Cut", "Reverb low cut", "Lows kept out of the room", Accent::value),
+    effectLayout::knob(kReverbType + 3, 1.64f, 1, "Amount", "Reverb amount", "Level of the room", Accent::value),
 });
 // clang-format on
 
