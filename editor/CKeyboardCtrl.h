@@ -66,7 +66,7 @@ public:
     void mouseLeft() override { invalidate(); }
     gui::Cursor cursor() const override { return gui::Cursor::hand; }
     std::string tooltip() const override { return "Moves the keys by an octave"; }
-    std::string spokenName() const override { return "Keyboard octave"; }
+    std::string spokenName() const override { return "Octave of the keys"; }
 
 private:
     void shift(int octaves);

@@ -195,7 +195,7 @@ void FakeEditorPort::updateHostDisplay()
 bool FakeEditorPort::resizeHostWindow(int width, int height)
 {
     note("resizeHostWindow", width, height);
-    return OfflinePort::resizeHostWindow(width, height);
+    return !refusesSize && OfflinePort::resizeHostWindow(width, height);
 }
 
 void FakeEditorPort::writeUserFile(std::string_view name, std::string_view text)

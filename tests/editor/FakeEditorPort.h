@@ -12,6 +12,7 @@ namespace tolm::test {
 class FakeEditorPort final : public OfflinePort {
 public:
     std::vector<std::string> calls;
+    bool refusesSize = false;
     // The calls so far, which are forgotten.
     std::vector<std::string> takeCalls();
 
