@@ -50,6 +50,8 @@ int main(int argc, char** argv)
     app.add_option("out", out, "PNG file to write")->required();
     app.add_option("--page", page, "Page of the lower pane")
         ->check(CLI::IsMember({"mod", "matrix", "arp", "effects"}));
+    bool browsing = false;
+    app.add_flag("--browser", browsing, "With the browser open");
     app.add_option("--scale", scale, "Device pixels per logical one")->check(CLI::Range(0.75, 2.5));
     app.add_option("--program", program, "Program to show, by name");
     CLI11_PARSE(app, argc, argv);
@@ -68,6 +70,8 @@ int main(int argc, char** argv)
     editor.setScale(scale);
     editor.showPage(kPages.at(page));
     editor.openIn(std::make_unique<gui::HeadlessWindow>(kWindowSize, scale));
+    if (browsing)
+        editor.context().toggleBrowser();
     editor.idle();
     if (!gui::writePng(editor.window()->picture(), out)) {
         std::fprintf(stderr, "tolm-editor-shot: cannot write %s\n", out.c_str());
