@@ -1,5 +1,6 @@
 #include "editor/CArpMainMM.h"
 
+#include "gui/DragGesture.h"
 #include "gui/Frame.h"
 
 #include <algorithm>
@@ -30,7 +31,7 @@ CArpMainMMRuler::CArpMainMMRuler(EditorContext& context, gui::Rect place) : CDis
 
 CArpMainMMRuler::~CArpMainMMRuler()
 {
-    if (dragging_) // the window closes in the middle of it
+    if (dragging_ || wheelEnd_ != 0.0) // the window closes in the middle of it
         context().actions().endGesture(kArpStepCount);
 }
 
@@ -99,6 +100,7 @@ bool CArpMainMMRuler::mouseDown(const gui::MouseEvent& event)
     }
     if (event.button != gui::MouseButton::left)
         return false;
+    endWheel();
     endDrag();
     dragging_ = true;
     context().actions().beginGesture(kArpStepCount);
@@ -131,10 +133,31 @@ void CArpMainMMRuler::endDrag()
     invalidate();
 }
 
+// Turns in a row are one step of undo.
 bool CArpMainMMRuler::mouseWheel(const gui::WheelEvent& event)
 {
+    if (dragging_ || frame() == nullptr)
+        return true;
+    if (wheelEnd_ == 0.0)
+        context().actions().beginGesture(kArpStepCount);
+    wheelEnd_ = frame()->host().now() + gui::DragGesture::kWheelTimeoutSeconds;
+    frame()->animate(*this);
     setSteps(steps() + (event.steps > 0.0f ? 1 : -1));
     return true;
+}
+
+bool CArpMainMMRuler::animate(double now)
+{
+    if (now >= wheelEnd_)
+        endWheel();
+    return wheelEnd_ != 0.0;
+}
+
+void CArpMainMMRuler::endWheel()
+{
+    if (wheelEnd_ != 0.0)
+        context().actions().endGesture(kArpStepCount);
+    wheelEnd_ = 0.0;
 }
 
 bool CArpMainMMRuler::keyDown(const gui::KeyEvent& event)
@@ -209,12 +232,17 @@ gui::View* CArpMainMM::hitTest(gui::Point local)
 
 gui::Rect CArpMainMM::readoutPlace() const
 {
-    return {96.0f, 6.0f, 240.0f, 19.0f};
+    return {96.0f, 6.0f, 400.0f, 19.0f};
 }
 
 void CArpMainMM::draw(gui::Canvas& canvas)
 {
-    canvas.textIn(readout_, readoutPlace(), theme::kField, theme::kText);
+    // No tooltip: it would cover what it is about.
+    if (readout_.empty())
+        canvas.textIn("Drag to paint, with Shift a line, with the right button to reset",
+                      readoutPlace(), theme::kLabel, theme::kFaint);
+    else
+        canvas.textIn(readout_, readoutPlace(), theme::kField, theme::kText);
 }
 
 void CArpMainMM::stepPointed(const std::string& text)

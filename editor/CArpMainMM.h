@@ -21,6 +21,7 @@ public:
     void mouseUp(const gui::MouseEvent&) override { endDrag(); }
     void captureLost() override { endDrag(); }
     bool mouseWheel(const gui::WheelEvent& event) override;
+    bool animate(double now) override;
     bool keyDown(const gui::KeyEvent& event) override;
     bool acceptsFocus() const override { return true; }
     void focusChanged(bool) override { invalidate(); }
@@ -33,8 +34,10 @@ private:
     float handleX() const;
     void setSteps(int steps);
     void endDrag();
+    void endWheel();
 
     bool dragging_ = false;
+    double wheelEnd_ = 0.0;  // 0 while no turn is under way
     float grabbedAt_ = 0.0f; // from the middle of the last step
     int playing_ = -1;
 };

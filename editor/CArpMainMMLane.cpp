@@ -44,11 +44,6 @@ std::string CArpMainMMLane::spokenName() const
     return firstId_ == kArpNote1 ? "Arpeggiator notes" : "Arpeggiator velocities";
 }
 
-std::string CArpMainMMLane::tooltip() const
-{
-    return "Drag to paint, with Shift a straight line\nRight-drag to reset, wheel for one step";
-}
-
 void CArpMainMMLane::valueChanged(int id)
 {
     const int step = id - firstId_;

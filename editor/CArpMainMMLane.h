@@ -51,7 +51,6 @@ public:
     bool acceptsFocus() const override { return true; }
     void focusChanged(bool focused) override;
     gui::Cursor cursor() const override { return gui::Cursor::hand; }
-    std::string tooltip() const override;
     std::string spokenName() const override;
 
 private:

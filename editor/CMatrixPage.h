@@ -2,6 +2,7 @@
 // The page of the modulation matrix: 24 rows in two columns.
 
 #include "editor/CMatrixCells.h"
+#include "editor/CMatrixHandle.h"
 
 #include <array>
 #include <vector>

@@ -208,8 +208,12 @@ TEST_F(ArpPage, theRulerSetsTheLength)
     rig.move({edge.x + 21.0f, edge.y});
     rig.release({edge.x + 21.0f, edge.y});
     EXPECT_EQ(rig.editor.context().text(kArpStepCount), "13 steps");
+    rig.wheel(number(4), -1.0f);
+    rig.wheel(number(4), -1.0f);
+    rig.wait(1.0);
+    EXPECT_EQ(rig.editor.context().text(kArpStepCount), "11 steps");
     EXPECT_THAT(rig.port.takeCalls(), Each(StartsWith("setParameterQuiet 320 ")));
-    EXPECT_EQ(rig.undoAll(), 2);
+    EXPECT_EQ(rig.undoAll(), 3);
 }
 
 TEST_F(ArpPage, keysMoveChangeTypeAndReset)
