@@ -175,7 +175,7 @@ void CBrowser::draw(gui::Canvas& canvas)
                   theme::kSecondary);
     const std::string count = std::to_string(model_.rows().size()) + " programs";
     canvas.textIn(count, {kSideX, kListY + kListHeight - 20.0f, kSideWidth, 18.0f}, theme::kLabel,
-                  theme::kFaint);
+                  theme::kSecondary);
     constexpr const char* kHints[] = {"Up and down play the next program.",
                                       "Typing searches all banks.",
                                       "Enter and Escape close the browser."};
@@ -183,7 +183,7 @@ void CBrowser::draw(gui::Canvas& canvas)
         canvas.textIn(kHints[i],
                       {kSideX, kListY + kListHeight - 80.0f + 16.0f * static_cast<float>(i),
                        kSideWidth, 16.0f},
-                      theme::kLabel, theme::kFaint);
+                      theme::kLabel, theme::kSecondary);
 }
 
 } // namespace tolm

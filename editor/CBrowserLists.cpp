@@ -109,10 +109,13 @@ void CBrowserNames::drawRow(gui::Canvas& canvas, int row) const
                   shown.program % kPresetListSize + 1);
     const gui::Color ink = current ? theme::kWell : theme::kText;
     canvas.textIn(number, {box.x + 5.0f, box.y, 28.0f, box.height}, kNumber,
-                  current ? theme::kWell.withAlpha(0.75f) : theme::kFaint);
-    canvas.textIn(shown.label, {box.x + 33.0f, box.y, box.width - 34.0f - kStarWidth, box.height},
-                  kRowText, ink);
-    if (shown.favourite || row == pointed_)
+                  current ? theme::kWell : theme::kSecondary.withAlpha(0.8f));
+    const bool starred = shown.favourite || row == pointed_;
+    canvas.textIn(
+        shown.label,
+        {box.x + 33.0f, box.y, box.width - 34.0f - (starred ? kStarWidth : 0.0f), box.height},
+        kRowText, ink);
+    if (starred)
         drawStar(canvas, starPlace(row).centre(), 4.6f, shown.favourite,
                  current           ? theme::kWell
                  : shown.favourite ? theme::color(Accent::osc1)

@@ -124,10 +124,10 @@ void addFiles(CommandMenu& menu, EditorShell& shell)
         menu.add(label,
                  [&shell, tag, which] { shell.context.actions().controlChanged(tag, which); });
     };
-    file("Load Program\u2026", kTagProgramFiles, 0.0f);
-    file("Save Program\u2026", kTagProgramFiles, 1.0f);
-    file("Load Bank\u2026", kTagBankFiles, 0.0f);
-    file("Save Bank\u2026", kTagBankFiles, 1.0f);
+    file("Load program\u2026", kTagProgramFiles, 0.0f);
+    file("Save program\u2026", kTagProgramFiles, 1.0f);
+    file("Load bank\u2026", kTagBankFiles, 0.0f);
+    file("Save bank\u2026", kTagBankFiles, 1.0f);
 }
 
 void addSizes(CommandMenu& menu, EditorShell& shell)

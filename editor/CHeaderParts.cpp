@@ -329,7 +329,7 @@ void CCompareMark::draw(gui::Canvas& canvas)
     canvas.textIn(word, text, theme::kSmallTitle,
                   loaded_  ? theme::kWell
                   : active ? theme::kText
-                           : theme::kFaint,
+                           : theme::kSecondary,
                   loaded_ ? gui::Align::centre : gui::Align::left);
     if (hasFocus() && frame()->keyboardMode())
         canvas.strokeRoundRect(box, theme::kControlRadius, 1.0f, theme::kText.withAlpha(0.7f));
@@ -425,7 +425,7 @@ void COutputMeter::draw(gui::Canvas& canvas)
     constexpr float kText = 40.0f;
     canvas.textIn(std::to_string(voices_), {0.0f, 3.0f, kText - 8.0f, 14.0f}, theme::kField,
                   voices_ > 0 ? theme::kText : theme::kSecondary, gui::Align::right);
-    canvas.textIn("voices", {0.0f, 17.0f, kText - 8.0f, 12.0f}, theme::kLabel, theme::kFaint,
+    canvas.textIn("voices", {0.0f, 17.0f, kText - 8.0f, 12.0f}, theme::kLabel, theme::kSecondary,
                   gui::Align::right);
     drawBar(canvas, {kText, 9.0f, box.width - kText, 6.0f}, left_);
     drawBar(canvas, {kText, 18.0f, box.width - kText, 6.0f}, right_);
