@@ -2,30 +2,13 @@
 
 #include "editor/ADEditor.h"
 #include "editor/arpPattern.h"
-
-#include <algorithm>
-#include <string_view>
+#include "patch/factoryPatterns.h"
 
 namespace tolm {
 
 namespace {
 
 constexpr std::int32_t kLinearKnobs = 2;
-constexpr float kArpeggiated = 1.0f; // category
-
-// "User Pattern", then the patterns of the factory's arpeggiated sounds under their names.
-std::vector<ProgramRecord> factoryPatterns(const EditorPort& port)
-{
-    std::vector<ProgramRecord> records(1, port.initialRecord());
-    constexpr std::string_view kUser = "User Pattern";
-    records.front().name.fill('\0');
-    std::copy(kUser.begin(), kUser.end(), records.front().name.begin());
-    for (int program = 0; program < kProgramCount; ++program)
-        if (const ProgramRecord& record = port.factoryRecord(program);
-            record.values[kPatchCategory] == kArpeggiated)
-            records.push_back(record);
-    return records;
-}
 
 } // namespace
 
@@ -36,8 +19,7 @@ EditorWindow::~EditorWindow() = default;
 ADEditor& EditorWindow::editor()
 {
     if (editor_ == nullptr) {
-        patternRecords_ = factoryPatterns(port_);
-        patterns_ = std::make_unique<RecordPatternTable>(patternRecords_);
+        patterns_ = std::make_unique<RecordPatternTable>(factoryPatterns());
         editor_ = std::make_unique<ADEditor>(port_, *patterns_);
     }
     return *editor_;

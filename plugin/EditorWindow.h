@@ -7,7 +7,6 @@
 #include "vst2/EffectEditor.h"
 
 #include <memory>
-#include <vector>
 
 namespace tolm {
 
@@ -32,7 +31,6 @@ private:
     ADEditor& editor();
 
     EditorPort& port_;
-    std::vector<ProgramRecord> patternRecords_;
     std::unique_ptr<ArpPatternTable> patterns_;
     std::unique_ptr<ADEditor> editor_;
     vst2::ERect rect_;
