@@ -184,8 +184,10 @@ void ADEditor::takeValueNews(const EditorNews& news)
     for (int id = 0; id < kParameterCount && !all; ++id)
         if (news.parameters[static_cast<std::size_t>(id)])
             context_.tellValue(id);
-    if (all || news.presetList || news.parameters.any() || history_.changes() != changesSeen_)
+    if (all || news.presetList || history_.changes() != changesSeen_)
         shell_.tellProgram();
+    else if (news.parameters.any())
+        header_->compare().update();
     changesSeen_ = history_.changes();
     if (const auto learning = port_.learningId();
         learning != learningSeen_ || news.learnedController) {
@@ -207,13 +209,18 @@ void ADEditor::takeNotice()
 {
     if (noticeShown_)
         return;
-    std::optional<EditorNotice> notice = port_.takeNotice();
+    const std::optional<EditorNotice> notice = port_.takeNotice();
     if (!notice)
         return;
+    say(notice->title.empty() ? "Info" : notice->title, notice->text);
+}
+
+void ADEditor::say(const std::string& title, const std::string& text)
+{
     noticeShown_ = true;
     gui::MessageRequest request;
-    request.title = notice->title.empty() ? "Info" : notice->title;
-    request.text = std::move(notice->text);
+    request.title = title;
+    request.text = text;
     request.answered = [this](int) { noticeShown_ = false; };
     gui::Message::show(window_->frame(), std::move(request));
 }
@@ -267,6 +274,8 @@ void ADEditor::applyScale()
     } else {
         scale_ = before;
         sizeRefused_ = true;
+        say("Info",
+            "This host keeps its window as it is. The new size holds from the next opening.");
     }
     if (std::exchange(closeWanted_, false))
         close();

@@ -61,6 +61,7 @@ private:
     void takeValueNews(const EditorNews& news);
     void takeMeters();
     void takeNotice();
+    void say(const std::string& title, const std::string& text);
     void turnWheel(float distance);
     void applySettings();
     void applyScale();

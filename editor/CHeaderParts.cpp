@@ -297,9 +297,12 @@ void CProgramField::openCategories()
 
 void CCompareMark::update()
 {
-    changed_ = shell_.comparison.isCurrentChanged();
-    loaded_ = shell_.comparison.showsLoaded();
-    invalidate();
+    const bool changed = shell_.comparison.isCurrentChanged();
+    const bool loaded = shell_.comparison.showsLoaded();
+    if (changed != changed_ || loaded != loaded_)
+        invalidate();
+    changed_ = changed;
+    loaded_ = loaded;
 }
 
 std::string CCompareMark::tooltip() const
