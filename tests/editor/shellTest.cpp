@@ -137,6 +137,19 @@ TEST(Wheels, springBackOrStayInOneGesture)
     EXPECT_FLOAT_EQ(rig.port.value(kPitchWheel), 0.5f);
 }
 
+TEST(BendRanges, readAsSemitones)
+{
+    EditorRig rig;
+    const EditorContext& context = rig.editor.context();
+    EXPECT_EQ(context.text(kBendUp), "2 st");
+    EXPECT_FLOAT_EQ(*context.valueFromText(kBendDown, "12 st"), 12.0f / 64.0f);
+    EXPECT_EQ(context.valueFromText(kBendDown, "65"), std::nullopt);
+    EXPECT_EQ(context.valueFromText(kBendDown, "up"), std::nullopt);
+    rig.editor.context().actions().controlChanged(kTagBendDown, 12.0f / 64.0f);
+    EXPECT_EQ(rig.port.bendDownRange(), 12);
+    EXPECT_EQ(context.text(kBendDown), "12 st");
+}
+
 TEST(Header, stepsProgramsSilencesAndUndoes)
 {
     EditorRig rig;
@@ -274,6 +287,7 @@ TEST(Size, isKeptAndFitsAHostThatRefuses)
     rig.idle();
     EXPECT_EQ(rig.window->picture().width(), 1680); // all of it is still seen
     EXPECT_FLOAT_EQ(rig.editor.windowSize().x, 1680.0f);
+    ASSERT_NE(overlay<gui::Message>(rig), nullptr); // and the user is told
     rig.editor.close();
     EXPECT_FLOAT_EQ(rig.editor.windowSize().x, 2240.0f);
 }
