@@ -38,7 +38,6 @@ bool isBipolar(int id)
     case kOsc2Coarse:
     case kOsc2Fine:
     case kOscMix:
-    case kFilterEnvAmount:
     case kFilterOffset:
     case kArpLength:
     case kEq1Type + 3:

@@ -1,3 +1,5 @@
+// A number in a field that is dragged or typed.
+
 #include "editor/controls.h"
 #include "editor/shapes.h"
 

@@ -119,9 +119,18 @@ ArpPattern patternOf(const ProgramRecord& record)
     return patternFrom([&](int id) { return record.values[static_cast<std::size_t>(id)]; });
 }
 
+ArpPattern RecordPatternTable::pattern(int pattern) const
+{
+    return pattern >= 0 && pattern < count()
+               ? patternOf(records_[static_cast<std::size_t>(pattern)])
+               : ArpPattern();
+}
+
 std::string_view RecordPatternTable::name(int pattern) const
 {
-    return fieldText(records_[static_cast<std::size_t>(pattern)].name);
+    return pattern >= 0 && pattern < count()
+               ? fieldText(records_[static_cast<std::size_t>(pattern)].name)
+               : std::string_view();
 }
 
 std::string patternText(const ArpPattern& pattern)

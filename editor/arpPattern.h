@@ -58,10 +58,8 @@ public:
 
     int count() const override { return static_cast<int>(records_.size()); }
     std::string_view name(int pattern) const override;
-    ArpPattern pattern(int pattern) const override
-    {
-        return patternOf(records_[static_cast<std::size_t>(pattern)]);
-    }
+    // Outside the records: no name, a pattern of zeros.
+    ArpPattern pattern(int pattern) const override;
 
 private:
     std::span<const ProgramRecord> records_;

@@ -209,8 +209,12 @@ TEST_F(MatrixPage, theTickShowsWhatARowAddsAndPaintsOnlyItsCell)
     EXPECT_THAT(rig.paintedBy(meters), IsEmpty());
     EXPECT_FALSE(amount.tick()) << "no note sounds";
     meters.voices = 1;
-    for (const gui::Rect& rect : rig.paintedBy(meters))
-        EXPECT_EQ(amount.boundsInFrame().intersection(rect), rect);
+    const gui::Rect page = pagePlace(Page::matrix);
+    for (const gui::Rect& rect : rig.paintedBy(meters)) {
+        if (page.intersects(rect)) {
+            EXPECT_EQ(amount.boundsInFrame().intersection(rect), rect);
+        }
+    }
     ASSERT_TRUE(amount.tick());
     EXPECT_NEAR(*amount.tick(), 76.0f + 36.5f, 0.01f);
     meters.rowSource[0] = -0.5f;

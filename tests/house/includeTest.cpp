@@ -36,7 +36,9 @@ const std::vector<FolderRule> kRules = {
     {"fx/", true, {}},
     {"patch/", true, {}},
     {"engine/", true, {"fx/", "patch/programStore.h"}},
-    {"plugin/", true, {"vst2/", "engine/", "fx/", "patch/", "editor/ADEditor.h"}},
+    {"plugin/",
+     true,
+     {"vst2/", "engine/", "fx/", "patch/", "editor/ADEditor.h", "editor/arpPattern.h"}},
     // Windows and drawing know the operating system and nothing of the synth.
     {"gui/", false, {}},
     // The editor knows programs and texts, and of the plug-in only what its port shows.

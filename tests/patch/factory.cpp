@@ -89,11 +89,11 @@ TEST(FactoryBank, valuesAndChoicesExist)
     });
 }
 
-// Such a row says something with an amount of 0 too: the note starts there.
-bool startsAtAPhase(float destination)
+// Start phases, key tracking and the depth of FM are set, not moved: an amount of 0 says something.
+bool isSetNotMoved(float destination)
 {
-    constexpr float kPhases[] = {32.0f, 33.0f, 43.0f, 44.0f, 45.0f, 87.0f};
-    return std::find(std::begin(kPhases), std::end(kPhases), destination) != std::end(kPhases);
+    constexpr float kSet[] = {32.0f, 33.0f, 43.0f, 44.0f, 45.0f, 53.0f, 54.0f, 87.0f, 91.0f};
+    return std::find(std::begin(kSet), std::end(kSet), destination) != std::end(kSet);
 }
 
 TEST(FactoryBank, matrixRowsAreWholeOrZeroed)
@@ -111,7 +111,7 @@ TEST(FactoryBank, matrixRowsAreWholeOrZeroed)
             if (source == 0.0f) {
                 EXPECT_TRUE(isZero);
                 EXPECT_EQ(factory.value(program, kModVoices1 + row), 0.0f);
-            } else if (!startsAtAPhase(destination)) {
+            } else if (!isSetNotMoved(destination)) {
                 EXPECT_FALSE(isZero);
             }
         }
