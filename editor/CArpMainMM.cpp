@@ -240,7 +240,7 @@ void CArpMainMM::draw(gui::Canvas& canvas)
     // No tooltip: it would cover what it is about.
     if (readout_.empty())
         canvas.textIn("Drag to paint, with Shift a line, with the right button to reset",
-                      readoutPlace(), theme::kLabel, theme::kFaint);
+                      readoutPlace(), theme::kLabel, theme::kSecondary);
     else
         canvas.textIn(readout_, readoutPlace(), theme::kField, theme::kText);
 }

@@ -209,7 +209,7 @@ void CArpMainMMLane::drawStep(gui::Canvas& canvas, int step) const
         canvas.fillRect(place.inset(1.0f, 1.0f), lime.withAlpha(0.2f));
     else if (pointed)
         canvas.fillRect(place.inset(1.0f, 1.0f), theme::kText.withAlpha(0.06f));
-    const gui::Color color = !inPattern ? theme::kFaint
+    const gui::Color color = !inPattern ? theme::kTrack
                              : playing  ? gui::mix(lime, theme::kText, 0.55f)
                                         : lime;
     if (reading() == StepReading::note)
