@@ -61,13 +61,13 @@ void drawTurn(gui::Canvas& canvas, gui::Point centre, float side, gui::Color col
 
 void drawGear(gui::Canvas& canvas, gui::Point centre, gui::Color color)
 {
-    canvas.stroke(gui::Path::circle(centre, 4.2f), {1.5f, gui::LineCap::butt}, color);
+    canvas.stroke(gui::Path::circle(centre, 4.1f), {2.0f, gui::LineCap::butt}, color);
     for (int tooth = 0; tooth < 8; ++tooth) {
         const float angle = kHalfTurn / 4.0f * static_cast<float>(tooth);
         const gui::Point out{std::cos(angle), std::sin(angle)};
-        canvas.stroke(gui::Path::line({centre.x + out.x * 4.8f, centre.y + out.y * 4.8f},
-                                      {centre.x + out.x * 6.8f, centre.y + out.y * 6.8f}),
-                      {2.0f, gui::LineCap::butt}, color);
+        canvas.stroke(gui::Path::line({centre.x + out.x * 4.6f, centre.y + out.y * 4.6f},
+                                      {centre.x + out.x * 7.0f, centre.y + out.y * 7.0f}),
+                      {2.6f, gui::LineCap::butt}, color);
     }
 }
 
@@ -370,12 +370,19 @@ void CStatusText::show(const std::string& text)
 
 void CStatusText::draw(gui::Canvas& canvas)
 {
-    if (!text_.empty())
-        canvas.textIn(text_, localBounds(), theme::kField, theme::kText);
-    else if (const auto learning = context_.port().learningId())
-        canvas.textIn("Move a controller for " +
-                          std::string(kCatalogue[static_cast<std::size_t>(*learning)].name),
-                      localBounds(), theme::kField, theme::color(Accent::osc1));
+    // Name above, value below; two spaces lie between them.
+    const std::size_t gap = text_.find("  ");
+    std::string name = text_.substr(0, gap);
+    std::string value = gap != std::string::npos ? text_.substr(gap + 2) : std::string();
+    gui::Color color = theme::kText;
+    if (const auto learning = context_.port().learningId(); text_.empty() && learning) {
+        name = "Move a controller for";
+        value = kCatalogue[static_cast<std::size_t>(*learning)].name;
+        color = theme::color(Accent::osc1);
+    }
+    const gui::Rect box = localBounds();
+    canvas.textIn(name, {0.0f, 2.0f, box.width, 13.0f}, theme::kLabel, theme::kSecondary);
+    canvas.textIn(value, {0.0f, 15.0f, box.width, 15.0f}, theme::kField, color);
 }
 
 // ---- Meter -----------------------------------------------------------------------------------
@@ -408,7 +415,7 @@ void COutputMeter::metersChanged(const EditorMeters& meters)
 void COutputMeter::drawBar(gui::Canvas& canvas, const gui::Rect& place, const Bar& bar) const
 {
     const gui::Rect well = canvas.snap(place);
-    canvas.fillRoundRect(well, 2.0f, theme::kWell);
+    canvas.fillRoundRect(well, 2.0f, theme::kEdge.withAlpha(0.7f));
     const float full = -kMeterFloor / (kMeterTop - kMeterFloor); // where 0 dB lies
     const float width = (well.width - 8.0f) * bar.level;
     if (width > 0.5f)

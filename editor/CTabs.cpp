@@ -64,10 +64,10 @@ void drawChain(gui::Canvas& canvas, const gui::Rect& box, gui::Color color)
 {
     const float middle = box.centre().y;
     canvas.line({box.x, middle}, {box.right(), middle}, 1.2f, color);
-    constexpr std::array<float, 3> kWhere = {0.2f, 0.5f, 0.8f};
+    constexpr std::array<float, 3> kWhere = {0.1f, 0.5f, 0.9f};
     for (std::size_t i = 0; i < kWhere.size(); ++i) {
         const float x = box.x + box.width * kWhere[i];
-        const gui::Rect node{x - 3.0f, middle - 4.0f, 6.0f, 8.0f};
+        const gui::Rect node{x - 2.6f, middle - 4.5f, 5.2f, 9.0f};
         canvas.fillRoundRect(node, 1.5f, color);
     }
 }
