@@ -71,8 +71,8 @@ struct EditorRig {
     }
 
     FakeEditorPort port;
-    std::vector<ProgramRecord> noPatterns;
-    RecordPatternTable patterns{noPatterns};
+    std::vector<ProgramRecord> userPattern = std::vector<ProgramRecord>(1);
+    RecordPatternTable patterns{userPattern};
     ADEditor editor{port, patterns};
     gui::HeadlessWindow* window = nullptr;
 
