@@ -102,8 +102,10 @@ void ADEditor::close()
     actions_.endGestures();
     fileSelector_.reset();
     noticeShown_ = false;
-    if (std::exchange(settingsChanged_, false) | std::exchange(sizeRefused_, false))
+    if (settingsChanged_ || sizeRefused_)
         scale_ = wantedScale();
+    settingsChanged_ = false;
+    sizeRefused_ = false;
 }
 
 void ADEditor::build()
