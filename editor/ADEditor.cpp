@@ -80,6 +80,7 @@ void ADEditor::openIn(std::unique_ptr<gui::Window> window)
     shell_.settings = loadSettings(port_); // another instance may have changed them
     window_ = std::move(window);
     takeBankNews(port_.takeNews()); // all else is read while building
+    followProgram(false);
     build();
     fileSelector_ = std::make_unique<WindowFileSelector>(window_->frame(), shell_);
     port_.useFileSelector(fileSelector_.get());
@@ -178,11 +179,30 @@ void ADEditor::takeBankNews(const EditorNews& news)
     shell_.comparison.takeAll();
 }
 
+// The preset list holds the current program, which hosts choose too, so that previous and next go
+// on from there. Building the list anew must not choose another program: a category that has not
+// got this one gives way to its bank.
+void ADEditor::followProgram(bool newBank)
+{
+    const PresetBrowser browser = port_.browser();
+    const auto& list = browser.presetListIndex;
+    const int program = port_.currentProgram();
+    if (!newBank && list[static_cast<std::size_t>(browser.selected)] == program)
+        return;
+    const bool listed = !newBank && std::find(list.begin(), list.end(), program) != list.end();
+    if (browser.categoryFilter == 0 || listed)
+        port_.rebuildPresetList();
+    else
+        port_.chooseCategory(0);
+}
+
 void ADEditor::takeValueNews(const EditorNews& news)
 {
     const bool all = news.everything || news.program;
-    if (all)
+    if (all) {
+        followProgram(news.everything);
         context_.tellAllValues();
+    }
     for (int id = 0; id < kParameterCount && !all; ++id)
         if (news.parameters[static_cast<std::size_t>(id)])
             context_.tellValue(id);

@@ -58,6 +58,7 @@ private:
     void buildPages(gui::View& root);
     void takeNews();
     void takeBankNews(const EditorNews& news);
+    void followProgram(bool newBank);
     void takeValueNews(const EditorNews& news);
     void takeMeters();
     void takeNotice();

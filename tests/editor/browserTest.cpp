@@ -81,6 +81,33 @@ TEST(Browser, listsBanksAndCategoriesAsThePlugInDoes)
     EXPECT_EQ(rig.browser->model().rows().front().program, 0);
 }
 
+TEST(Browser, followsTheProgramThatTheHostChooses)
+{
+    BrowserRig rig;
+    rig.port.setProgram(200);
+    rig.idle();
+    EXPECT_EQ(rig.browser->model().currentRow(), 72);
+    rig.click(*rig.find("Next program"));
+    EXPECT_EQ(rig.port.currentProgram(), 201);
+    // A category without the program gives way; the program stays.
+    rig.browser->model().showCategory(4);
+    int other = 0;
+    while (rig.port.record(other).values[kPatchCategory] == 4.0f)
+        ++other;
+    rig.port.setProgram(other);
+    rig.idle();
+    EXPECT_EQ(rig.port.currentProgram(), other);
+    EXPECT_EQ(rig.browser->model().category(), 0);
+    EXPECT_EQ(rig.browser->model().currentRow(), other);
+    // So it is when the window opens.
+    rig.editor.close();
+    rig.port.setProgram(300);
+    rig.open();
+    EXPECT_EQ(rig.port.currentProgram(), 300);
+    rig.click(*rig.find("Previous program"));
+    EXPECT_EQ(rig.port.currentProgram(), 299);
+}
+
 TEST(Browser, typingSearchesAllBanks)
 {
     BrowserRig rig;
