@@ -6,6 +6,7 @@
 
 #include "host/Song.h"
 #include "plugin/catalogue.h"
+#include "plugin/paramText.h"
 #include "tests/render/PluginRig.h"
 
 #include <gtest/gtest.h>
@@ -16,6 +17,7 @@
 #include <fstream>
 #include <map>
 #include <sstream>
+#include <string>
 
 namespace tolm::test {
 
@@ -38,7 +40,7 @@ struct Setting {
 };
 
 struct Case {
-    const char* name; // in the file
+    std::string name; // in the file
     const char* program;
     std::vector<Setting> settings;
     int key = 48;
@@ -60,12 +62,46 @@ const std::vector<Case> kCases = {
     {"textures", "Slow Machinery", {}},
     {"wind", "Willow Flute", {}, 60},
     {"fm", "Init Patch", {{kOsc1Shape, 0.7f}, {kOsc2Shape, 0.7f}, {kOscFm, 0.2f}}},
-    {"multiTap", "Init Patch", {{kDelayOn, 1.0f}, {kDelayType, 0.8f}, {kAmpSustain, 0.2f}}},
-    {"cathedral", "Init Patch", {{kReverbOn, 1.0f}, {kReverbType, 1.0f}, {kAmpSustain, 0.2f}}},
-    {"toxic", "Init Patch", {{kDistOn, 1.0f}, {kDistType, 0.3f}}},
     {"equalisers", "Init Patch", {{kEq1On, 1.0f}, {kEq2On, 1.0f}, {kEq2Gain, 0.9f}}},
-    {"eightStages", "Init Patch", {{kPhaserOn, 1.0f}, {kPhaserType, 0.4f}}},
 };
+
+// "Init Patch" through every type of every effect, one at a time. Neighbouring values with one text
+// are one type; its middle is played.
+std::vector<Case> effectTypes()
+{
+    struct Effect {
+        const char* name;
+        int on;
+        int type;
+    };
+    constexpr Effect kEffects[] = {{"distortion", kDistOn, kDistType},
+                                   {"phaser", kPhaserOn, kPhaserType},
+                                   {"delay", kDelayOn, kDelayType},
+                                   {"reverb", kReverbOn, kReverbType},
+                                   {"equaliser", kEq1On, kEq1Type}};
+    constexpr int kProbedValues = 512;
+    std::vector<Case> cases;
+    for (const Effect& effect : kEffects) {
+        const auto textAt = [&effect](int probe) {
+            const float value = static_cast<float>(probe) / kProbedValues;
+            return std::string(parameterText(effect.type, value, {}).view());
+        };
+        for (int first = 0; first <= kProbedValues;) {
+            int end = first;
+            while (end <= kProbedValues && textAt(end) == textAt(first))
+                ++end;
+            const float middle = static_cast<float>(first + end - 1) / (2.0f * kProbedValues);
+            cases.push_back({std::string(effect.name) + ' ' + textAt(first),
+                             "Init Patch",
+                             {{effect.on, 1.0f},
+                              {effect.type, middle},
+                              {kEq1Type + 3, 0.8f},
+                              {kAmpSustain, 0.4f}}});
+            first = end;
+        }
+    }
+    return cases;
+}
 
 struct SongCase {
     const char* name;
@@ -205,6 +241,8 @@ std::vector<std::pair<std::string, Numbers>> measureAll()
 {
     std::vector<std::pair<std::string, Numbers>> all;
     for (const Case& c : kCases)
+        all.emplace_back(c.name, measure(play(c)));
+    for (const Case& c : effectTypes())
         all.emplace_back(c.name, measure(play(c)));
     for (const SongCase& c : kSongs)
         all.emplace_back(c.name, measure(play(c)));
