@@ -178,12 +178,6 @@ gui::MouseEvent CMatrixAmount::turned(const gui::MouseEvent& event) const
     return upwards;
 }
 
-void CMatrixAmount::gestureEnded()
-{
-    CControl::gestureEnded();
-    context().tellAllValues(); // knobs show what moves them
-}
-
 std::optional<float> CMatrixAmount::tick() const
 {
     if (!source_)

@@ -56,7 +56,6 @@ public:
     std::optional<float> tick() const;
 
 private:
-    void gestureEnded() override;
     gui::MouseEvent turned(const gui::MouseEvent& event) const;
     gui::Rect bar() const;
     float placeOf(float amount) const;

@@ -168,14 +168,29 @@ void EditorContext::tellValue(int id)
 {
     if (id < 0 || id >= kParameterCount)
         return;
+    tellListeners(id);
+    // Knobs show how far a row moves them.
+    if (id >= kModAmount1 && id < kModAmount1 + kMatrixRows)
+        tellReached(static_cast<int>(value(kModDestination1 + id - kModAmount1)));
+}
+
+void EditorContext::tellListeners(int id)
+{
     for (ValueListener* listener : valueListeners_[static_cast<std::size_t>(id)])
         listener->valueChanged(id);
+}
+
+void EditorContext::tellReached(int destination)
+{
+    for (const Reach& reach : kReach)
+        if (reach.destination == destination)
+            tellListeners(reach.parameter);
 }
 
 void EditorContext::tellAllValues()
 {
     for (int id = 0; id < kParameterCount; ++id)
-        tellValue(id);
+        tellListeners(id);
 }
 
 void EditorContext::tellMeters(const EditorMeters& meters)

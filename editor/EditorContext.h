@@ -90,6 +90,9 @@ public:
 
 private:
     std::vector<Choice> probed(int id) const;
+    void tellListeners(int id);
+    // Those of the parameters that a matrix destination moves.
+    void tellReached(int destination);
 
     EditorPort& port_;
     Actions& actions_;

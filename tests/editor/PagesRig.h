@@ -103,6 +103,11 @@ public:
     {
         wait(1.0);
         editor.context().tellMeters(meters);
+        return painted();
+    }
+    // What waits to be painted.
+    std::vector<gui::Rect> painted()
+    {
         gui::Image image(static_cast<int>(kWindowSize.x), static_cast<int>(kWindowSize.y));
         gui::GlyphCache glyphs;
         return frame().paint(image, glyphs);

@@ -200,6 +200,20 @@ TEST_F(MatrixPage, keysReachEveryCell)
     EXPECT_NEAR(rig.value(172), 0.49f, 1e-5f);
 }
 
+TEST_F(MatrixPage, aKnobShowsAtOnceHowFarARowMovesIt)
+{
+    fill(0, 13.0f, 0.5f, 5.0f); // Filter Cutoff
+    rig.wait(1.0);
+    rig.editor.context().actions().controlChanged(kModAmount1, 0.75f);
+    rig.editor.context().tellValue(kModAmount1);
+    const gui::Rect knob = rig.view("Filter cutoff")->boundsInFrame();
+    bool painted = false;
+    for (const gui::Rect& rect : rig.painted())
+        painted = painted || rect.intersection(knob) == knob;
+    EXPECT_TRUE(painted);
+    EXPECT_FLOAT_EQ(rig.editor.context().modulationOf(kFilterCutoff), 0.5f);
+}
+
 TEST_F(MatrixPage, theTickShowsWhatARowAddsAndPaintsOnlyItsCell)
 {
     fill(0, 13.0f, 0.75f, 5.0f); // +50 %
