@@ -1,3 +1,5 @@
+// One card of the effect box: its switch, what dims it, and how it looks.
+
 #include "editor/CTolmFxBox.h"
 #include "editor/CTolmFxPictures.h"
 #include "editor/controls.h"
