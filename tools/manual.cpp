@@ -3,17 +3,17 @@
 
 #include "editor/EditorContext.h"
 #include "editor/OfflinePort.h"
+#include "editor/effectRows.h"
 #include "editor/layout.h"
 #include "plugin/menus.h"
 #include "plugin/midiMap.h"
 
 #include <cstdio>
 #include <fstream>
-#include <functional>
 #include <iterator>
 #include <map>
-#include <sstream>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -66,6 +66,26 @@ std::string textAt(OfflinePort& port, int id, float value)
     return std::string(parameterText(id, value, context).view());
 }
 
+// All names between the ends, in order.
+std::string choicesOf(OfflinePort& port, int id)
+{
+    if (id == kFmMode) {
+        std::string all;
+        for (const MenuEntry& entry : kFmModeMenu)
+            all += (all.empty() ? "" : ", ") + std::string(entry.name);
+        return all;
+    }
+    std::string all;
+    std::string last;
+    for (int probe = 0; probe <= 512; ++probe)
+        if (const std::string text = textAt(port, id, static_cast<float>(probe) / 512);
+            text != last) {
+            all += (all.empty() ? "" : ", ") + text;
+            last = text;
+        }
+    return all;
+}
+
 std::string rangeOf(OfflinePort& port, const ControlRow& row)
 {
     if (row.kind == ControlKind::toggle)
@@ -74,6 +94,9 @@ std::string rangeOf(OfflinePort& port, const ControlRow& row)
         return "";
     if (row.tag == kFilterType || row.tag == kArpMode || row.tag == kPatchCategory)
         return "see the menu";
+    if (row.kind == ControlKind::menu || row.kind == ControlKind::shapes ||
+        row.kind == ControlKind::segments)
+        return choicesOf(port, row.tag);
     return textAt(port, row.tag, 0.0f) + " ... " + textAt(port, row.tag, 1.0f);
 }
 
@@ -98,13 +121,26 @@ std::string pageTitle(Page page)
     return {};
 }
 
+std::vector<ControlRow> allControls()
+{
+    std::vector<ControlRow> rows(controlRows().begin(), controlRows().end());
+    rows.insert(rows.end(), kEffectControls.begin(), kEffectControls.end());
+    return rows;
+}
+
+// The matrix has a chapter of its own, arrows belong to the menu beside them.
+bool isExplained(const ControlRow& row)
+{
+    return row.page != Page::matrix && row.kind != ControlKind::stepper;
+}
+
 std::string parameters(OfflinePort& port, const MidiMap& map)
 {
     std::string out;
     for (int page = 0; page < kPageCount; ++page) {
         std::string table;
-        for (const ControlRow& row : controlRows()) {
-            if (static_cast<int>(row.page) != page || row.kind == ControlKind::stepper)
+        for (const ControlRow& row : allControls()) {
+            if (static_cast<int>(row.page) != page || !isExplained(row))
                 continue;
             const int id = parameterOfTag(row.tag);
             const int controller =
