@@ -98,11 +98,11 @@ constexpr auto kSingleControls = std::to_array<ControlRow>({
 
     {V, kFilterType, menu, {kFilterX + 84, 6, 206, 18}, "", "Filter type", "Eighteen filters; notes that sound keep theirs", F},
     {V, kTagFilterStepper, stepper, {kFilterX + 296, 6, 36, 18}, "", "Filter type step", "Previous and next filter", F},
-    {V, kFilterCutoff, bigKnob, {kFilterX + 234, 26, 98, 84}, "Cutoff", "Filter cutoff", "Corner of the filter", F},
+    {V, kFilterCutoff, bigKnob, {kFilterX + 248, 26, 86, 84}, "Cutoff", "Filter cutoff", "Corner of the filter", F},
     {V, kFilterResonance, knob, cell(kFilterX + 10, 94), "Resonance", "Filter resonance", "Emphasis at the corner", F},
-    {V, kFilterEnvAmount, knob, cell(kFilterX + 74, 94), "Env Amt", "Filter envelope amount", "How far the envelope opens the filter", F},
-    {V, kFilterKeytrack, knob, cell(kFilterX + 138, 94), "Keytrack", "Filter key tracking", "How far the corner follows the key", F},
-    {V, kFilterOffset, knob, cell(kFilterX + 202, 94), "Offset", "Filter offset", "Second corner, drive or teeth, by the type", F},
+    {V, kFilterEnvAmount, knob, cell(kFilterX + 70, 94), "Env Amt", "Filter envelope amount", "How far the envelope opens the filter", F},
+    {V, kFilterKeytrack, knob, cell(kFilterX + 130, 94), "Keytrack", "Filter key tracking", "How far the corner follows the key", F},
+    {V, kFilterOffset, knob, cell(kFilterX + 190, 94), "Offset", "Filter offset", "Second corner, drive or teeth, by the type", F},
 
     {V, kAmpAttack, knob, smallCell(kEnvX[0] + 10, kLowerY + 98), "Attack", "Amplitude attack", "Time to full level", B},
     {V, kAmpDecay, knob, smallCell(kEnvX[0] + 54, kLowerY + 98), "Decay", "Amplitude decay", "Time to fall to the sustain level", B},
@@ -150,8 +150,8 @@ constexpr std::array<ControlRow, 6> lfoControls(std::size_t n)
     return {{
         {M, first, shapes, {x + 112, 6, 120, 18}, "", "LFO shape", "Saw, pulse, sine or random steps", MOD},
         {M, first + 1, knob, cell(x + 10, 160), "Rate", "LFO rate", "In Hz, or as a note length with Sync", MOD},
-        {M, first + 2, knob, cell(x + 66, 160), "Skew", "LFO skew", "Bends the shape", MOD},
-        {M, first + 3, knob, cell(x + 122, 160), "Fade In", "LFO fade-in", "Time until it acts in full", MOD},
+        {M, first + 2, knob, cell(x + 68, 160), "Skew", "LFO skew", "Bends the shape", MOD},
+        {M, first + 3, knob, cell(x + 126, 160), "Fade In", "LFO fade-in", "Time until it acts in full", MOD},
         {M, first + 4, toggle, {x + 184, 166, 46, 20}, "Sync", "LFO sync", "Follows the tempo", MOD},
         {M, first + 5, toggle, {x + 184, 192, 46, 20}, "Reset", "LFO reset", "Every note starts it anew", MOD},
     }};
