@@ -11,6 +11,7 @@ namespace {
 
 constexpr double kAudibleDb = -60.0;
 constexpr double kMostMonoLossDb = 3.0; // two unrelated channels lose exactly this much
+constexpr double kMostOffsetDb = -45.0;
 constexpr double kLongestFadeSeconds = 20.0;
 constexpr int kLowKey = 24;
 constexpr int kMiddleKey = 48;
@@ -83,6 +84,12 @@ TEST(FactorySounds, endAfterTheKeyIsReleased)
 {
     forEachSound(
         [](const Heard& heard) { EXPECT_LT(heard.usual.fadeSeconds, kLongestFadeSeconds - 0.1); });
+}
+
+// Moving sounds keep a little mean under any window; a standing offset is far above it.
+TEST(FactorySounds, haveNoOffset)
+{
+    forEachSound([](const Heard& heard) { EXPECT_LT(heard.usual.dcDb, kMostOffsetDb); });
 }
 
 TEST(FactorySounds, surviveTheSumToMono)

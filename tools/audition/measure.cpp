@@ -65,7 +65,7 @@ double fadeSecondsOf(const Rendering& r, double peak)
 }
 
 struct Sums {
-    double left = 0.0, right = 0.0; // of the samples
+    double left = 0.0, right = 0.0; // of the samples up to the key-up, under a Hann window
     double mid = 0.0, side = 0.0;   // of the squares
     double peak = 0.0;
     bool finite = true;
@@ -74,6 +74,7 @@ struct Sums {
 Sums sumsOf(const Rendering& r)
 {
     Sums s;
+    const std::size_t held = std::max(std::min(r.keyUpFrame, r.left.size()), std::size_t{1});
     for (std::size_t i = 0; i < r.left.size(); ++i) {
         const double left = static_cast<double>(r.left[i]);
         const double right = static_cast<double>(r.right[i]);
@@ -82,8 +83,11 @@ Sums sumsOf(const Rendering& r)
         s.mid += (left + right) * (left + right) / 4.0;
         s.side += (left - right) * (left - right) / 4.0;
         if (i < r.keyUpFrame) {
-            s.left += left;
-            s.right += right;
+            // Without the window parts of cycles at both ends would count as an offset.
+            const double weight =
+                1.0 - std::cos(2.0 * kPi * static_cast<double>(i) / static_cast<double>(held));
+            s.left += weight * left;
+            s.right += weight * right;
         }
     }
     return s;
