@@ -9,7 +9,10 @@
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 #define TOLM_SANITIZER_COUNTS
-#include <sanitizer/allocator_interface.h>
+// Of every sanitizer's runtime; not every compiler brings the header.
+extern "C" int __sanitizer_install_malloc_and_free_hooks(void (*onMalloc)(const volatile void*,
+                                                                          std::size_t),
+                                                         void (*onFree)(const volatile void*));
 #endif
 
 namespace {
