@@ -1,6 +1,8 @@
 // Every factory sound plays, at its proper level, and ends.
 
 #include "factoryBank.h"
+#include "plugin/catalogue.h"
+#include "tools/audition/Phrase.h"
 #include "tools/audition/measure.h"
 #include "tools/audition/parallel.h"
 
@@ -12,6 +14,10 @@ namespace {
 constexpr double kAudibleDb = -60.0;
 constexpr double kMostMonoLossDb = 3.0; // two unrelated channels lose exactly this much
 constexpr double kMostOffsetDb = -45.0;
+constexpr double kLoudestLufs = -12.0; // momentary, at velocity 127
+constexpr double kLoudestEffectLufs = -8.0;
+constexpr double kSoftestLufs = -36.0; // at velocity 40
+constexpr float kSoundEffects = 10.0f; // category
 constexpr double kLongestFadeSeconds = 20.0;
 constexpr int kLowKey = 24;
 constexpr int kMiddleKey = 48;
@@ -84,6 +90,34 @@ TEST(FactorySounds, endAfterTheKeyIsReleased)
 {
     forEachSound(
         [](const Heard& heard) { EXPECT_LT(heard.usual.fadeSeconds, kLongestFadeSeconds - 0.1); });
+}
+
+// With the category's phrase: the hardest stroke does not hurt, a soft one is still there.
+TEST(FactorySounds, keepTheirLoudnessInsideTheHands)
+{
+    struct Loud {
+        double hard = 0.0;
+        double soft = 0.0;
+    };
+    const auto& sounds = factorySounds();
+    std::vector<Loud> loud(sounds.size());
+    const auto momentary = [&](std::size_t i, int velocity) {
+        const auto category = static_cast<int>(sounds[i].record.values[kPatchCategory]);
+        return loudnessOf(play(sounds[i].record, categoryPhrase(category, velocity), 0.5))
+            .momentary;
+    };
+    forAll(
+        sounds.size(),
+        [&](std::size_t i) {
+            loud[i] = {momentary(i, 127), momentary(i, 40)};
+        },
+        [](std::size_t) {});
+    for (std::size_t i = 0; i < sounds.size(); ++i) {
+        SCOPED_TRACE(sounds[i].record.name.data());
+        const bool isEffect = sounds[i].record.values[kPatchCategory] == kSoundEffects;
+        EXPECT_LT(loud[i].hard, isEffect ? kLoudestEffectLufs : kLoudestLufs);
+        EXPECT_GT(loud[i].soft, kSoftestLufs);
+    }
 }
 
 // Moving sounds keep a little mean under any window; a standing offset is far above it.
