@@ -14,6 +14,7 @@ constexpr double kPi = 3.14159265358979323846;
 constexpr double kRateHz = 44100.0;
 constexpr double kHighestCutoffHz = 22000.0;
 constexpr double kCutoffRange = 2200.0;
+constexpr double kCutoffScale = 2048.0;
 constexpr double kFloorDb = -96.0;
 
 double curve(double x, double lo, double hi)
@@ -21,9 +22,11 @@ double curve(double x, double lo, double hi)
     return lo * std::pow(hi / lo, x);
 }
 
+// Cutoffs are entries of a table; what lies between is cut off.
 double cornerHz(double position)
 {
-    return kHighestCutoffHz * std::pow(kCutoffRange, std::clamp(position, 0.0, 1.0) - 1.0);
+    const double entry = std::trunc(std::clamp(position * kCutoffScale, 0.0, kCutoffScale - 1.0));
+    return kHighestCutoffHz * std::pow(kCutoffRange, entry / kCutoffScale - 1.0);
 }
 
 double sectionCoefficient(double position)
@@ -42,7 +45,7 @@ struct Section {
         band = integrator * high;
         low = integrator * band;
     }
-    Complex notch(Complex d) const { return high + d * low; }
+    Complex notch() const { return high + low; }
 };
 
 struct Settings {
@@ -71,7 +74,7 @@ Complex seriesBand(const Settings& x, Complex d, double)
 }
 Complex seriesNotch(const Settings& x, Complex d, double)
 {
-    return Section(x.f, x.q, d).notch(d) * second(x, d);
+    return Section(x.f, x.q, d).notch() * second(x, d);
 }
 Complex seriesHigh(const Settings& x, Complex d, double)
 {
@@ -87,7 +90,7 @@ Complex splitBand(const Settings& x, Complex d, double)
 }
 Complex splitNotch(const Settings& x, Complex d, double)
 {
-    return 0.5 * (Section(x.f, x.q, d).notch(d) + Section(x.f2, x.q, d).low);
+    return 0.5 * (Section(x.f, x.q, d).notch() + Section(x.f2, x.q, d).low);
 }
 Complex splitHigh(const Settings& x, Complex d, double)
 {

@@ -72,7 +72,7 @@ TEST(FilterPicture, showsWhatTheFilterDoes)
             for (std::size_t i = 0; i < hz.size(); ++i)
                 if (const double level = levelAt(response, static_cast<double>(hz[i]));
                     level > -70.0) {
-                    EXPECT_NEAR(static_cast<double>(shown[i]), level, 1.0) << hz[i] << " Hz";
+                    EXPECT_NEAR(static_cast<double>(shown[i]), level, 0.1) << hz[i] << " Hz";
                 }
         }
     }
