@@ -78,7 +78,7 @@ void CArpMainMMRuler::draw(gui::Canvas& canvas)
         .lineTo({x, line + 3.0f})
         .lineTo({x - kHandleHalf, line - 2.0f})
         .close();
-    canvas.fill(handle, isHovered() || dragging_ ? theme::kText : lime);
+    canvas.fill(handle, dragging_ ? theme::kText : hoverColor(lime, theme::kText));
     if (hasFocus() && frame()->keyboardMode())
         canvas.strokeRoundRect(canvas.snap(bounds), theme::kControlRadius, 1.0f,
                                theme::kText.withAlpha(0.7f));

@@ -61,11 +61,11 @@ int CArpPatternMenu::shownPattern()
 void CArpPatternMenu::draw(gui::Canvas& canvas)
 {
     const gui::Rect bounds = canvas.snap(localBounds());
-    drawField(canvas, bounds, isHovered());
+    drawField(canvas, bounds, hoverLight());
     gui::Rect text = bounds.inset(8.0f, 0.0f);
     text.width -= 12.0f;
     canvas.textIn(context().actions().patterns().name(shownPattern()), text, theme::kField,
-                  isHovered() ? theme::kText : theme::kText.withAlpha(0.9f));
+                  hoverColor(theme::kText.withAlpha(0.9f), theme::kText));
     drawArrow(canvas, {bounds.right() - 10.0f, bounds.y + bounds.height / 2}, 0.0f, 1.8f,
               theme::kSecondary);
     drawFocus(canvas, *this);
@@ -113,8 +113,8 @@ bool CArpPatternMenu::keyDown(const gui::KeyEvent& event)
 void CArpPatternTools::draw(gui::Canvas& canvas)
 {
     const gui::Rect bounds = canvas.snap(localBounds());
-    drawField(canvas, bounds, isHovered());
-    const gui::Color color = isHovered() ? theme::kText : theme::kSecondary;
+    drawField(canvas, bounds, hoverLight());
+    const gui::Color color = hoverColor(theme::kSecondary, theme::kText);
     for (int dot = -1; dot <= 1; ++dot)
         canvas.fill(
             gui::Path::circle(

@@ -20,8 +20,7 @@ public:
     bool keyDown(const gui::KeyEvent& event) override;
     bool acceptsFocus() const override { return true; }
     void focusChanged(bool) override { invalidate(); }
-    void mouseEntered() override { invalidate(); }
-    void mouseLeft() override { invalidate(); }
+    bool showsHover() const override { return true; }
     gui::Cursor cursor() const override { return gui::Cursor::hand; }
     std::string spokenName() const override { return "Arpeggiator pattern"; }
     std::string tooltip() const override { return "Ready patterns"; }
@@ -45,8 +44,7 @@ public:
     bool keyDown(const gui::KeyEvent& event) override;
     bool acceptsFocus() const override { return true; }
     void focusChanged(bool) override { invalidate(); }
-    void mouseEntered() override { invalidate(); }
-    void mouseLeft() override { invalidate(); }
+    bool showsHover() const override { return true; }
     gui::Cursor cursor() const override { return gui::Cursor::hand; }
     std::string spokenName() const override { return "Arpeggiator pattern commands"; }
     std::string tooltip() const override { return "Copy, paste, turn or reset the pattern"; }

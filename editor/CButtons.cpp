@@ -32,12 +32,10 @@ void CToggle::draw(gui::Canvas& canvas)
     if (on) {
         canvas.fillRoundRect(bounds, theme::kControlRadius, accent().withAlpha(0.9f));
     } else {
-        drawField(canvas, bounds, isHovered());
+        drawField(canvas, bounds, hoverLight());
     }
     canvas.textIn(row().label, bounds, theme::kSmallTitle,
-                  on            ? theme::kWell
-                  : isHovered() ? theme::kText
-                                : theme::kSecondary,
+                  on ? theme::kWell : hoverColor(theme::kSecondary, theme::kText),
                   gui::Align::centre);
     drawFocus(canvas, bounds, theme::kControlRadius);
 }
@@ -73,7 +71,7 @@ void CSegments::draw(gui::Canvas& canvas)
     const gui::Rect bounds = canvas.snap(localBounds());
     const auto& choices = context().choices(id());
     const int chosen = context().choiceAt(id(), value());
-    drawField(canvas, bounds, isHovered());
+    drawField(canvas, bounds, hoverLight());
     const float width = bounds.width / static_cast<float>(std::max<std::size_t>(1, choices.size()));
     for (std::size_t i = 0; i < choices.size(); ++i) {
         const gui::Rect part =
@@ -174,13 +172,13 @@ bool sendsPosition(int tag)
 void CMenu::draw(gui::Canvas& canvas)
 {
     const gui::Rect bounds = canvas.snap(localBounds());
-    drawField(canvas, bounds, isHovered());
+    drawField(canvas, bounds, hoverLight());
     const MenuItems items = itemsOf(context(), row(), id());
     const bool known = items.chosen >= 0 && items.chosen < static_cast<int>(items.names.size());
     gui::Rect text = bounds.inset(8.0f, 0.0f);
     text.width -= 12.0f;
     canvas.textIn(known ? items.names[static_cast<std::size_t>(items.chosen)] : "\u2013", text,
-                  theme::kField, isHovered() ? theme::kText : theme::kText.withAlpha(0.9f));
+                  theme::kField, hoverColor(theme::kText.withAlpha(0.9f), theme::kText));
     drawArrow(canvas, {bounds.right() - 10.0f, bounds.y + bounds.height / 2}, 0.0f, 1.8f,
               theme::kSecondary);
     drawFocus(canvas, bounds, theme::kControlRadius);
@@ -261,8 +259,8 @@ bool CMenu::mouseWheel(const gui::WheelEvent& event)
 void CStepper::draw(gui::Canvas& canvas)
 {
     const gui::Rect bounds = canvas.snap(localBounds());
-    drawField(canvas, bounds, isHovered());
-    const gui::Color color = isHovered() ? theme::kText : theme::kSecondary;
+    drawField(canvas, bounds, hoverLight());
+    const gui::Color color = hoverColor(theme::kSecondary, theme::kText);
     const float middle = bounds.y + bounds.height / 2;
     drawArrow(canvas, {bounds.x + bounds.width * 0.25f, middle}, -1.8f, 0.0f, color);
     drawArrow(canvas, {bounds.x + bounds.width * 0.75f, middle}, 1.8f, 0.0f, color);

@@ -21,8 +21,7 @@ public:
 
     bool acceptsFocus() const override { return true; }
     void focusChanged(bool) override { invalidate(); }
-    void mouseEntered() override { invalidate(); }
-    void mouseLeft() override { invalidate(); }
+    bool showsHover() const override { return true; }
     std::string tooltip() const override;
     std::string spokenName() const override { return row_.spoken; }
     gui::Cursor cursor() const override { return gui::Cursor::hand; }

@@ -115,7 +115,7 @@ void CIconButton::draw(gui::Canvas& canvas)
 {
     const gui::Rect box = canvas.snap(localBounds());
     const bool useful = isUseful();
-    const bool lit = useful && (isHovered() || down_);
+    const float lit = !useful ? 0.0f : down_ ? 1.0f : hoverLight();
     canvas.fillRoundRect(box, theme::kControlRadius,
                          down_ ? gui::Paint(theme::kWell)
                                : gui::Paint::linear({0, box.y}, {0, box.bottom()}, theme::kPanelTop,
@@ -123,9 +123,8 @@ void CIconButton::draw(gui::Canvas& canvas)
     const bool focused = hasFocus() && frame()->keyboardMode();
     canvas.strokeRoundRect(box, theme::kControlRadius, 1.0f,
                            focused ? theme::kText.withAlpha(0.7f)
-                           : lit   ? theme::kTrack
-                                   : theme::kEdge);
-    const gui::Color ink = !useful ? theme::kTrack : lit ? theme::kText : theme::kSecondary;
+                                   : gui::mix(theme::kEdge, theme::kTrack, lit));
+    const gui::Color ink = useful ? gui::mix(theme::kSecondary, theme::kText, lit) : theme::kTrack;
     if (options_.icon != Icon::none)
         drawIcon(canvas, options_.icon, box.centre(), ink);
     if (options_.word.empty())

@@ -73,9 +73,8 @@ void CProgramField::draw(gui::Canvas& canvas)
     const bool focused = hasFocus() && frame()->keyboardMode();
     canvas.fillRoundRect(box, theme::kWellRadius, theme::kWell);
     canvas.strokeRoundRect(box, theme::kWellRadius, 1.0f,
-                           focused       ? theme::kText.withAlpha(0.7f)
-                           : isHovered() ? theme::kTrack
-                                         : theme::kEdge);
+                           focused ? theme::kText.withAlpha(0.7f)
+                                   : hoverColor(theme::kEdge, theme::kTrack));
     const int program = port.currentProgram();
     const ProgramRecord record = port.record(program);
     canvas.textIn(placeOf(program), {12.0f, 0.0f, 44.0f, box.height}, theme::kField,
@@ -182,7 +181,8 @@ void CCompareMark::draw(gui::Canvas& canvas)
     } else {
         canvas.fillRoundRect(box, theme::kControlRadius, theme::kWell);
         canvas.strokeRoundRect(box, theme::kControlRadius, 1.0f,
-                               active ? accent.withAlpha(isHovered() ? 0.9f : 0.5f) : theme::kEdge);
+                               active ? accent.withAlpha(0.5f + 0.4f * hoverLight())
+                                      : theme::kEdge);
         canvas.fill(gui::Path::circle({box.x + 12.0f, box.centre().y}, 2.6f),
                     active ? accent : theme::kTrack);
     }

@@ -35,8 +35,7 @@ public:
     bool keyDown(const gui::KeyEvent& event) override;
     bool acceptsFocus() const override { return true; }
     void focusChanged(bool) override { invalidate(); }
-    void mouseEntered() override { invalidate(); }
-    void mouseLeft() override { invalidate(); }
+    bool showsHover() const override { return true; }
     gui::Cursor cursor() const override { return gui::Cursor::hand; }
     std::string tooltip() const override { return options_.tooltip ? options_.tooltip() : ""; }
     std::string spokenName() const override { return options_.spoken; }
@@ -60,8 +59,7 @@ public:
     bool keyDown(const gui::KeyEvent& event) override;
     bool acceptsFocus() const override { return true; }
     void focusChanged(bool) override { invalidate(); }
-    void mouseEntered() override { invalidate(); }
-    void mouseLeft() override { invalidate(); }
+    bool showsHover() const override { return true; }
     gui::Cursor cursor() const override { return gui::Cursor::hand; }
     std::string tooltip() const override { return "Opens the browser"; }
     std::string spokenName() const override;
@@ -88,8 +86,7 @@ public:
     bool keyDown(const gui::KeyEvent& event) override;
     bool acceptsFocus() const override { return true; }
     void focusChanged(bool) override { invalidate(); }
-    void mouseEntered() override { invalidate(); }
-    void mouseLeft() override { invalidate(); }
+    bool showsHover() const override { return true; }
     gui::Cursor cursor() const override { return gui::Cursor::hand; }
     std::string tooltip() const override;
     std::string spokenName() const override { return "Compare with the loaded sound"; }

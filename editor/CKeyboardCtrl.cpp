@@ -197,9 +197,9 @@ void COctaveShift::draw(gui::Canvas& canvas)
     const gui::Rect box = canvas.snap(localBounds());
     canvas.fillRoundRect(box, theme::kControlRadius, theme::kWell);
     canvas.strokeRoundRect(box, theme::kControlRadius, 1.0f,
-                           hasFocus() && frame()->keyboardMode() ? theme::kText
-                           : isHovered()                         ? theme::kTrack
-                                                                 : theme::kEdge);
+                           hasFocus() && frame()->keyboardMode()
+                               ? theme::kText
+                               : hoverColor(theme::kEdge, theme::kTrack));
     const auto arrow = [&](float y, float up, bool enabled) {
         const float x = box.centre().x;
         gui::Path path;
@@ -207,9 +207,7 @@ void COctaveShift::draw(gui::Canvas& canvas)
             .lineTo({x, y - 1.8f * up})
             .lineTo({x + 3.6f, y + 1.8f * up});
         canvas.stroke(path, {1.4f, gui::LineCap::round},
-                      !enabled      ? theme::kTrack
-                      : isHovered() ? theme::kText
-                                    : theme::kSecondary);
+                      enabled ? hoverColor(theme::kSecondary, theme::kText) : theme::kTrack);
     };
     arrow(box.y + 12.0f, 1.0f, keys_.firstKey() < CKeyboardCtrl::kHighestFirst);
     arrow(box.bottom() - 12.0f, -1.0f, keys_.firstKey() > CKeyboardCtrl::kLowestFirst);

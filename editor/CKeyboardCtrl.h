@@ -62,8 +62,7 @@ public:
     bool keyDown(const gui::KeyEvent& event) override;
     bool acceptsFocus() const override { return true; }
     void focusChanged(bool) override { invalidate(); }
-    void mouseEntered() override { invalidate(); }
-    void mouseLeft() override { invalidate(); }
+    bool showsHover() const override { return true; }
     gui::Cursor cursor() const override { return gui::Cursor::hand; }
     std::string tooltip() const override { return "Moves the keys by an octave"; }
     std::string spokenName() const override { return "Octave of the keys"; }

@@ -101,10 +101,10 @@ void CKnob::draw(gui::Canvas& canvas)
 
     canvas.fill(gui::Path::circle({centre.x, centre.y + 1.5f}, body + 0.5f),
                 theme::kBack.withAlpha(0.55f));
-    const bool lit = isHovered() || isTurning();
+    const float lit = isTurning() ? 1.0f : hoverLight();
     canvas.fill(gui::Path::circle(centre, body),
                 gui::Paint::linear({0, centre.y - body}, {0, centre.y + body},
-                                   gui::mix(theme::kKnobTop, theme::kText, lit ? 0.12f : 0.0f),
+                                   gui::mix(theme::kKnobTop, theme::kText, 0.12f * lit),
                                    theme::kKnobBottom));
     canvas.stroke(gui::Path::circle(centre, body - 0.5f), {1.0f, gui::LineCap::butt},
                   gui::Paint::linear({0, centre.y - body}, {0, centre.y + body},
@@ -122,7 +122,7 @@ void CKnob::draw(gui::Canvas& canvas)
                       gui::Align::centre);
     else
         canvas.textIn(row().label, label, theme::kLabel,
-                      isHovered() ? theme::kText : theme::kSecondary, gui::Align::centre);
+                      hoverColor(theme::kSecondary, theme::kText), gui::Align::centre);
     drawFocus(canvas, bounds.inset(1.0f), theme::kControlRadius);
 }
 

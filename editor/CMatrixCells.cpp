@@ -16,11 +16,11 @@ constexpr float kBarInset = 3.0f;
 constexpr float kTickWidth = 2.0f;
 constexpr float kUnusedGround = 0.4f; // how much of a field's ground unused rows keep
 
-void drawGround(gui::Canvas& canvas, const gui::Rect& bounds, bool used, bool lit)
+void drawGround(gui::Canvas& canvas, const gui::Rect& bounds, bool used, float lit)
 {
     canvas.fillRoundRect(bounds, kRadius, theme::kWell.withAlpha(used ? 1.0f : kUnusedGround));
-    if (lit)
-        canvas.strokeRoundRect(bounds, kRadius, 1.0f, theme::kFaint);
+    if (lit > 0.0f)
+        canvas.strokeRoundRect(bounds, kRadius, 1.0f, theme::kFaint.withAlpha(lit));
 }
 
 } // namespace
@@ -53,7 +53,7 @@ void CMatrixField::draw(gui::Canvas& canvas)
 {
     const gui::Rect bounds = canvas.snap(localBounds());
     const bool used = isUsed();
-    drawGround(canvas, bounds, used, isHovered());
+    drawGround(canvas, bounds, used, hoverLight());
     const bool none = matrixPosition(context(), cell()) <= 0;
     std::string text = none ? "\u2013" : context().text(id());
     gui::Color color = used ? theme::kText : theme::kSecondary;
@@ -206,9 +206,9 @@ void CMatrixAmount::drawBar(gui::Canvas& canvas) const
     const float end = canvas.snapX(placeOf(2.0f * value() - 1.0f));
     const float left = std::min(middle, end);
     const float width = std::abs(end - middle);
-    const bool lit = isHovered() || isTurning();
+    const float lit = isTurning() ? 1.0f : hoverLight();
     canvas.fillRect({left, lane.y, width, lane.height},
-                    gui::mix(theme::kWell, accent(), lit ? 0.62f : 0.5f));
+                    gui::mix(theme::kWell, accent(), 0.5f + 0.12f * lit));
     canvas.fillRect({middle, area.y + 1.0f, 1.0f, area.height - 2.0f}, theme::kTrack);
     const float cap = end > middle ? end - kTickWidth : end;
     canvas.fillRect({cap, lane.y, kTickWidth, lane.height}, accent());
@@ -223,7 +223,7 @@ void CMatrixAmount::draw(gui::Canvas& canvas)
     const gui::Rect bounds = canvas.snap(localBounds());
     const bool used = isUsed();
     const bool shown = used || isTurning() || value() != context().defaultValue(id());
-    drawGround(canvas, canvas.snap(bar()), used, isHovered());
+    drawGround(canvas, canvas.snap(bar()), used, hoverLight());
     if (shown)
         drawBar(canvas);
     else
@@ -231,8 +231,8 @@ void CMatrixAmount::draw(gui::Canvas& canvas)
             {canvas.snapX(bar().centre().x), bounds.y + 4.0f, 1.0f, bounds.height - 8.0f},
             theme::kTrack);
     const gui::Rect number{bounds.right() - kReadout, bounds.y, kReadout - 5.0f, bounds.height};
-    gui::Color color = used ? theme::kSecondary : theme::kFaint;
-    if (isTurning() || (used && isHovered()))
+    gui::Color color = used ? hoverColor(theme::kSecondary, theme::kText) : theme::kFaint;
+    if (isTurning())
         color = theme::kText;
     if (shown)
         canvas.textIn(context().textOf(id(), value()), number, theme::kField, color,

@@ -21,17 +21,17 @@ std::string CMatrixHandle::spokenName() const
 void CMatrixHandle::draw(gui::Canvas& canvas)
 {
     const gui::Rect bounds = localBounds();
-    const bool lit = isHovered() || dragging_;
+    const float lit = dragging_ ? 1.0f : hoverLight();
     const bool used = isMatrixRowUsed(context_, row_);
-    if (lit) {
+    if (lit > 0.0f) {
         // Three lines to hold on to.
         for (int line = -1; line <= 1; ++line)
             canvas.fillRect(
                 canvas.snap(
                     {2.0f, bounds.centre().y - 0.5f + 3.0f * static_cast<float>(line), 5.0f, 1.0f}),
-                theme::kSecondary);
+                theme::kSecondary.withAlpha(lit));
     }
-    const gui::Color color = lit ? theme::kText : used ? theme::kSecondary : theme::kFaint;
+    const gui::Color color = gui::mix(used ? theme::kSecondary : theme::kFaint, theme::kText, lit);
     canvas.textIn(std::to_string(row_ + 1), {0.0f, 0.0f, bounds.width - 6.0f, bounds.height},
                   theme::kLabel, color, gui::Align::right);
     if (hasFocus() && frame()->keyboardMode())

@@ -25,8 +25,7 @@ public:
     std::string spokenName() const override;
     std::string tooltip() const override { return "Drag onto another row to exchange them"; }
     gui::Cursor cursor() const override { return gui::Cursor::move; }
-    void mouseEntered() override { invalidate(); }
-    void mouseLeft() override { invalidate(); }
+    bool showsHover() const override { return true; }
     bool mouseDown(const gui::MouseEvent& event) override;
     void mouseDragged(const gui::MouseEvent& event) override;
     void mouseUp(const gui::MouseEvent&) override { drop(true); }

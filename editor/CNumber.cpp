@@ -8,9 +8,10 @@ namespace tolm {
 void CNumber::draw(gui::Canvas& canvas)
 {
     const gui::Rect bounds = canvas.snap(localBounds());
-    drawField(canvas, bounds, isHovered());
+    drawField(canvas, bounds, hoverLight());
     canvas.textIn(context().textOf(id(), value()), bounds.inset(6.0f, 0.0f), theme::kField,
-                  isTurning() || isHovered() ? theme::kText : theme::kText.withAlpha(0.9f),
+                  isTurning() ? theme::kText
+                              : hoverColor(theme::kText.withAlpha(0.9f), theme::kText),
                   gui::Align::centre);
     drawFocus(canvas, bounds, theme::kControlRadius);
 }

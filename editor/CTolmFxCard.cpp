@@ -50,9 +50,7 @@ public:
         const float radius = pill.height / 2;
         canvas.fillRoundRect(pill, radius, on ? accent().withAlpha(0.9f) : theme::kWell);
         canvas.strokeRoundRect(pill, radius, 1.0f,
-                               on            ? accent()
-                               : isHovered() ? theme::kFaint
-                                             : theme::kTrack);
+                               on ? accent() : hoverColor(theme::kTrack, theme::kFaint));
         canvas.fill(
             gui::Path::circle({on ? pill.right() - radius : pill.x + radius, pill.centre().y},
                               radius - 3.0f),
@@ -132,13 +130,14 @@ void CTolmFxCard::draw(gui::Canvas& canvas)
     canvas.textIn(kind_ >= 0 ? rowOf(kind_).title : "UNCHANGED", {18.0f, 6.0f, 90.0f, 19.0f},
                   theme::kTitle, on ? theme::kText : theme::kSecondary);
     // A grip shows that the card can be taken.
-    if (isHovered() || lifted_)
+    const float grip = lifted_ ? 1.0f : hoverLight();
+    if (grip > 0.0f)
         for (int dot = 0; dot < 6; ++dot)
             canvas.fill(
                 gui::Path::circle({box.centre().x - 6.0f + 6.0f * static_cast<float>(dot % 3),
                                    box.y + 3.0f + 3.0f * static_cast<float>(dot / 3)},
                                   1.0f),
-                theme::kFaint);
+                theme::kFaint.withAlpha(grip));
     if (lifted_)
         canvas.strokeRoundRect(box, theme::kPanelRadius, 1.5f, accent);
     else if (hasFocus() && frame()->keyboardMode())

@@ -63,7 +63,7 @@ void CWheel::draw(gui::Canvas& canvas)
     const float travel = well.height - 2 * kMargin;
     const float y = well.bottom() - kMargin - travel * std::clamp(value_, 0.0f, 1.0f);
     canvas.fillRoundRect({body.x + 1.0f, y - 2.0f, body.width - 2.0f, 4.0f}, 2.0f,
-                         held_ || isHovered() ? gui::mix(accent, theme::kText, 0.35f) : accent);
+                         gui::mix(accent, theme::kText, held_ ? 0.35f : 0.35f * hoverLight()));
     canvas.strokeRoundRect(well, theme::kWellRadius, 1.0f,
                            hasFocus() && frame()->keyboardMode() ? theme::kText : theme::kEdge);
 }

@@ -17,8 +17,7 @@ public:
     void mouseDragged(const gui::MouseEvent& event) override;
     void mouseUp(const gui::MouseEvent&) override { release(); }
     void captureLost() override { release(); }
-    void mouseEntered() override { invalidate(); }
-    void mouseLeft() override { invalidate(); }
+    bool showsHover() const override { return true; }
     bool mouseWheel(const gui::WheelEvent& event) override;
     bool keyDown(const gui::KeyEvent& event) override;
     bool acceptsFocus() const override { return true; }

@@ -106,10 +106,11 @@ void drawShape(gui::Canvas& canvas, Shape shape, const gui::Rect& box, gui::Colo
     }
 }
 
-void drawField(gui::Canvas& canvas, const gui::Rect& bounds, bool lit)
+void drawField(gui::Canvas& canvas, const gui::Rect& bounds, float lit)
 {
     canvas.fillRoundRect(bounds, theme::kControlRadius, theme::kWell);
-    canvas.strokeRoundRect(bounds, theme::kControlRadius, 1.0f, lit ? theme::kTrack : theme::kEdge);
+    canvas.strokeRoundRect(bounds, theme::kControlRadius, 1.0f,
+                           gui::mix(theme::kEdge, theme::kTrack, lit));
 }
 
 void drawArrow(gui::Canvas& canvas, gui::Point centre, float dx, float dy, gui::Color color)

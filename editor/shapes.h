@@ -14,8 +14,8 @@ enum class Shape : std::uint8_t { saw, pulse, sine, triangle, table, steps };
 Shape shapeNamed(std::string_view text);
 void drawShape(gui::Canvas& canvas, Shape shape, const gui::Rect& box, gui::Color color);
 
-// The dark ground of fields and buttons; lit under the pointer.
-void drawField(gui::Canvas& canvas, const gui::Rect& bounds, bool lit);
+// The dark ground of fields and buttons; `lit` 1 under the pointer.
+void drawField(gui::Canvas& canvas, const gui::Rect& bounds, float lit);
 // An open arrow head that points along (dx, dy), which is half of its height.
 void drawArrow(gui::Canvas& canvas, gui::Point centre, float dx, float dy, gui::Color color);
 

@@ -65,7 +65,8 @@ Canvas::Canvas(Image& target, GlyphCache& glyphs, float scale)
 {
     states_.push_back(
         {{},
-         {0.0f, 0.0f, static_cast<float>(target.width()), static_cast<float>(target.height())}});
+         {0.0f, 0.0f, static_cast<float>(target.width()), static_cast<float>(target.height())},
+         1.0f});
 }
 
 Canvas::~Canvas() = default;
@@ -97,6 +98,24 @@ void Canvas::clip(const Rect& rect)
                      std::ceil(bottomRight.y - kSlack) - top};
     Rect& clip = states_.back().clip;
     clip = rect.isEmpty() ? Rect{} : clip.intersection(outer);
+}
+
+void Canvas::fade(float opacity)
+{
+    states_.back().opacity *= std::clamp(opacity, 0.0f, 1.0f);
+}
+
+Color Canvas::faded(Color color) const
+{
+    return color.withAlpha(state().opacity * static_cast<float>(color.a) / 255.0f);
+}
+
+Paint Canvas::faded(Paint paint) const
+{
+    paint.color = faded(paint.color);
+    for (std::size_t i = 0; i < paint.stopCount; ++i)
+        paint.stops[i].color = faded(paint.stops[i].color);
+    return paint;
 }
 
 Rect Canvas::clipBounds() const
@@ -168,7 +187,7 @@ void Canvas::fill(const Path& path, const Paint& paint)
         return;
     Polygons polygons;
     flatten(path, transform(), polygons);
-    raster_->fill(target_, deviceClip(), polygons, Shader(paint, transform()));
+    raster_->fill(target_, deviceClip(), polygons, Shader(faded(paint), transform()));
 }
 
 void Canvas::fillRect(const Rect& rect, const Paint& paint)
@@ -177,7 +196,7 @@ void Canvas::fillRect(const Rect& rect, const Paint& paint)
         return;
     const Transform t = transform();
     Raster::fillRect(target_, deviceClip(), t.apply(rect.origin()),
-                     t.apply({rect.right(), rect.bottom()}), Shader(paint, t));
+                     t.apply({rect.right(), rect.bottom()}), Shader(faded(paint), t));
 }
 
 void Canvas::fillRoundRect(const Rect& rect, float radius, const Paint& paint)
@@ -196,7 +215,7 @@ void Canvas::stroke(const Path& path, const Stroke& stroke, const Paint& paint)
     flatten(path, transform(), lines);
     Polygons outline;
     outlineStroke(lines, static_cast<double>(stroke.width) * scale_, stroke.cap, outline);
-    raster_->fill(target_, deviceClip(), outline, Shader(paint, transform()));
+    raster_->fill(target_, deviceClip(), outline, Shader(faded(paint), transform()));
 }
 
 void Canvas::strokeRoundRect(const Rect& rect, float radius, float width, const Paint& paint)
@@ -228,8 +247,8 @@ void Canvas::line(Point from, Point to, float width, const Paint& paint)
 
 void Canvas::image(const Image& source, const Rect& box, float opacity)
 {
-    const auto coverage =
-        static_cast<std::uint32_t>(std::clamp(opacity, 0.0f, 1.0f) * 255.0f + 0.5f);
+    const auto coverage = static_cast<std::uint32_t>(
+        std::clamp(opacity * state().opacity, 0.0f, 1.0f) * 255.0f + 0.5f);
     const Rect snapped = snap(box);
     if (source.isEmpty() || coverage == 0 || box.isEmpty() || misses(snapped))
         return;

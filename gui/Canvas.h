@@ -34,6 +34,8 @@ public:
     void translate(Point by);
     // Narrows the clip to its intersection with `rect`, edges rounded outwards to device pixels.
     void clip(const Rect& rect);
+    // Everything is drawn with this share of its alpha, on top of earlier calls.
+    void fade(float opacity);
     // The clip in logical coordinates of the current transform, to skip what cannot be seen.
     Rect clipBounds() const;
     float scale() const { return scale_; }
@@ -69,12 +71,15 @@ private:
     struct State {
         Point offset; // device pixels
         Rect clip;    // device pixels, whole
+        float opacity = 1.0f;
     };
 
     Point toDevice(Point p) const;
     Transform transform() const;
     DeviceRect deviceClip() const;
     bool misses(const Rect& logical) const;
+    Color faded(Color color) const;
+    Paint faded(Paint paint) const;
     const State& state() const { return states_.back(); }
 
     Image& target_;

@@ -12,6 +12,7 @@ namespace tolm::gui {
 namespace {
 
 constexpr double kTooltipRestSeconds = 0.6;
+constexpr double kHoverSeconds = 0.08;
 // Tasks that queue tasks run in the same pump, but not for ever.
 constexpr int kTaskRounds = 8;
 
@@ -76,6 +77,7 @@ void Frame::forget(View& view)
             *held = nullptr;
     // The list is walked while handlers run: holes are closed afterwards.
     std::replace(animated_.begin(), animated_.end(), &view, static_cast<View*>(nullptr));
+    std::erase_if(hoverFades_, [&view](const HoverFade& fade) { return fade.view == &view; });
     for (Task& task : tasks_)
         if (task.owner == &view)
             task.owner = nullptr;
@@ -244,6 +246,7 @@ void Frame::tick()
     runAnimations(now);
     if (hoverStale_)
         hoverAgain();
+    runHoverFades(now);
     tickTooltip(now);
     runTasks();
     // A view's destructor may discard others.
@@ -270,6 +273,34 @@ void Frame::runAnimations(double now)
             animated_[i] = nullptr;
     }
     std::erase(animated_, nullptr);
+}
+
+float Frame::hoverLight(const View& view) const
+{
+    const float aim = hovered_ == &view ? 1.0f : 0.0f;
+    for (const HoverFade& fade : hoverFades_)
+        if (fade.view == &view) {
+            const auto moved = static_cast<float>((host_.now() - fade.since) / kHoverSeconds);
+            return std::clamp(aim > 0.5f ? fade.from + moved : fade.from - moved, 0.0f, 1.0f);
+        }
+    return aim;
+}
+
+void Frame::startHoverFade(View* view, float from)
+{
+    if (view == nullptr || !view->showsHover())
+        return;
+    std::erase_if(hoverFades_, [view](const HoverFade& fade) { return fade.view == view; });
+    hoverFades_.push_back({view, from, host_.now()});
+}
+
+void Frame::runHoverFades(double now)
+{
+    for (const HoverFade& fade : hoverFades_)
+        fade.view->invalidate();
+    // Each was painted once more when its time was over.
+    std::erase_if(hoverFades_,
+                  [now](const HoverFade& fade) { return now - fade.since >= kHoverSeconds; });
 }
 
 void Frame::tickTooltip(double now)

@@ -71,6 +71,8 @@ public:
     void setFocus(View* view);
     View* focus() const { return focus_; }
     View* hovered() const { return hovered_; }
+    // See View::hoverLight.
+    float hoverLight(const View& view) const;
     View* captured() const { return capture_; }
     // Keyboard mode: Tab and arrow keys move and change controls; off, keys stay with the host
     // unless a view with text asks for them.
@@ -115,6 +117,12 @@ private:
         bool owned = false; // and dropped when the owner is gone
         std::function<void()> run;
     };
+    // How the pointer's light comes to a view or leaves it.
+    struct HoverFade {
+        View* view;
+        float from;
+        double since;
+    };
     // A pointer to a view that becomes null when the view leaves the frame, as handlers may cause.
     class Watch;
 
@@ -132,6 +140,8 @@ private:
     void dropCapture();
     void hover(View* view);
     void hoverAgain();
+    void startHoverFade(View* view, float from);
+    void runHoverFades(double now);
     void tickTooltip(double now);
     void showTooltip(const std::string& text, const Rect& anchor);
     void hideTooltip();
@@ -150,6 +160,7 @@ private:
     std::vector<std::unique_ptr<View>> graveyard_;
     std::vector<Task> tasks_;
     std::vector<View*> animated_;
+    std::vector<HoverFade> hoverFades_;
     std::vector<View*> keyTakers_;
     DirtyRegion dirty_;
     std::vector<View*> watched_; // one for each running Watch

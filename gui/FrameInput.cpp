@@ -169,7 +169,11 @@ void Frame::hover(View* view)
     tooltipSpent_ = false;
     restingSince_ = host_.now();
     View* const before = hovered_;
+    const float lightBefore = before != nullptr ? hoverLight(*before) : 0.0f;
+    const float light = view != nullptr ? hoverLight(*view) : 0.0f;
     hovered_ = view;
+    startHoverFade(before, lightBefore);
+    startHoverFade(view, light);
     if (before != nullptr)
         before->mouseLeft();
     if (hovered_ != view)

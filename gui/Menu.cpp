@@ -64,6 +64,7 @@ void Menu::start()
     openedAt_ = frame()->host().now();
     frame()->requestKeys(*this, true);
     openRoot();
+    panels_.back()->fadeIn();
 }
 
 bool Menu::isOpening() const
@@ -116,6 +117,7 @@ void Menu::openChild(MenuPanel& parent, int index, bool byKey)
         std::make_unique<MenuPanel>(*this, entry.children, frame()->style(), std::string{}, usable);
     panel->setBounds(placeSubMenu(panel->wantedSize(), parent.rowInFrame(index), usable));
     panels_.push_back(&add(std::move(panel)));
+    panels_.back()->fadeIn();
     if (byKey)
         panels_.back()->lightFirstOrChecked();
 }

@@ -9,6 +9,7 @@ namespace tolm::gui {
 
 namespace {
 
+constexpr double kFadeSeconds = 0.06;
 constexpr float kRowHeight = 20.0f;
 constexpr float kHeadingHeight = 22.0f;
 constexpr float kSeparatorHeight = 9.0f;
@@ -219,8 +220,24 @@ bool MenuPanel::mouseWheel(const WheelEvent& event)
 
 // --- drawing ---------------------------------------------------------------------------------
 
+void MenuPanel::fadeIn()
+{
+    shownSince_ = frame()->host().now();
+    frame()->animate(*this);
+}
+
+bool MenuPanel::animate(double now)
+{
+    invalidate();
+    if (now - shownSince_ >= kFadeSeconds)
+        shownSince_ = -1.0;
+    return shownSince_ >= 0.0;
+}
+
 void MenuPanel::draw(Canvas& canvas)
 {
+    if (shownSince_ >= 0.0)
+        canvas.fade(static_cast<float>((frame()->host().now() - shownSince_) / kFadeSeconds));
     const Rect box = localBounds();
     canvas.fillRoundRect(
         box, style_.panelRadius,

@@ -32,7 +32,11 @@ public:
     int rowAt(Point local) const;
     const MenuLayout& layout() const { return layout_; }
 
+    // Comes into sight from now on instead of at once.
+    void fadeIn();
+
     void draw(Canvas& canvas) override;
+    bool animate(double nowSeconds) override;
     bool mouseDown(const MouseEvent& event) override;
     void mouseDragged(const MouseEvent& event) override;
     void mouseUp(const MouseEvent& event) override;
@@ -52,6 +56,7 @@ private:
     const Style style_;
     std::string title_;
     MenuLayout layout_;
+    double shownSince_ = -1.0; // negative: not fading
     float scroll_ = 0.0f;
     int lit_ = -1;
 };

@@ -9,7 +9,7 @@ void PushButton::draw(Canvas& canvas)
     const Style& style = frame()->style();
     const Rect box = localBounds();
     const Color ground = default_ ? mix(style.track, style.accent, 0.35f) : style.track;
-    const float light = pressed_ ? -0.3f : isHovered() ? 0.12f : 0.0f;
+    const float light = pressed_ ? -0.3f : 0.12f * hoverLight();
     const Color fill =
         light < 0.0f ? mix(ground, style.well, -light) : mix(ground, style.text, light);
     canvas.fillRoundRect(box, style.controlRadius, isEnabled() ? fill : style.panelBottom);

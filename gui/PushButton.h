@@ -24,8 +24,7 @@ public:
     void mouseDragged(const MouseEvent& event) override;
     void mouseUp(const MouseEvent& event) override;
     void captureLost() override;
-    void mouseEntered() override { invalidate(); }
-    void mouseLeft() override { invalidate(); }
+    bool showsHover() const override { return true; }
     bool keyDown(const KeyEvent& event) override;
     bool acceptsFocus() const override { return isEnabled(); }
     Cursor cursor() const override { return Cursor::hand; }

@@ -148,6 +148,16 @@ bool View::isHovered() const
     return frame_ != nullptr && frame_->hovered() == this;
 }
 
+float View::hoverLight() const
+{
+    return frame_ != nullptr ? frame_->hoverLight(*this) : 0.0f;
+}
+
+Color View::hoverColor(Color resting, Color pointed) const
+{
+    return mix(resting, pointed, hoverLight());
+}
+
 void View::invalidate()
 {
     invalidate(localBounds());

@@ -62,6 +62,8 @@ public:
     bool isInside(const View& ancestor) const;
     bool hasFocus() const;
     bool isHovered() const;
+    // 1 under the pointer, 0 elsewhere; moves between them for a moment where showsHover().
+    float hoverLight() const;
 
     // Asks to be painted at the next chance: all of it, or a part in own coordinates.
     void invalidate();
@@ -92,6 +94,8 @@ public:
     // Once a pump while it has asked for it through Frame::animate; false ends the animation.
     virtual bool animate(double /*nowSeconds*/) { return false; }
 
+    // Looks otherwise under the pointer: painted again while hoverLight() moves.
+    virtual bool showsHover() const { return false; }
     // Shown after the pointer has rested; empty for none.
     virtual std::string tooltip() const { return {}; }
     virtual Cursor cursor() const { return Cursor::arrow; }
@@ -100,6 +104,8 @@ public:
 
 protected:
     virtual void boundsChanged() {}
+    // Between two colours, as far as the pointer is on the view.
+    Color hoverColor(Color resting, Color pointed) const;
 
 private:
     friend class Frame;

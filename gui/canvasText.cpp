@@ -36,6 +36,7 @@ std::string shortened(std::string_view utf8, const TextStyle& style, float width
 
 float Canvas::text(std::string_view utf8, Point baseline, const TextStyle& style, Color color)
 {
+    color = faded(color);
     const float deviceSize = style.size * scale_;
     const Rect& clip = state().clip;
     const Point start = toDevice(baseline);
