@@ -6,6 +6,7 @@
 #include "gui/PushButton.h"
 #include "gui/TextEdit.h"
 #include "gui/asciiText.h"
+#include "gui/modalBox.h"
 
 #include <algorithm>
 #include <cmath>
@@ -314,15 +315,7 @@ bool FileDialog::keyDown(const KeyEvent& event)
 void FileDialog::draw(Canvas& canvas)
 {
     const Style& style = frame()->style();
-    canvas.fillRect(localBounds(), style.shade);
-    canvas.fillRoundRect(
-        box_, style.panelRadius,
-        Paint::linear(box_.origin(), {box_.x, box_.bottom()}, style.panelTop, style.panelBottom));
-    canvas.strokeRoundRect(box_, style.panelRadius, 1.0f, style.edge);
-    TextStyle titleStyle = style.title;
-    titleStyle.size = 13.0f;
-    titleStyle.tracking = 0.0f;
-    canvas.textIn(request_.title, titleBox_, titleStyle, style.text);
+    drawModalBox(canvas, style, {localBounds(), box_, titleBox_}, request_.title);
     canvas.textIn(folder_.string(), pathBox_, style.field, style.secondaryText);
     canvas.textIn(note_, noteBox_, style.label, style.warning);
     const Rect label{box_.x + kPadding, name_->bounds().y, kPlacesWidth, kRow};

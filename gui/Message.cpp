@@ -2,6 +2,7 @@
 
 #include "gui/Frame.h"
 #include "gui/PushButton.h"
+#include "gui/modalBox.h"
 
 #include <algorithm>
 #include <cmath>
@@ -91,16 +92,9 @@ bool Message::keyDown(const KeyEvent& event)
 void Message::draw(Canvas& canvas)
 {
     const Style& style = frame()->style();
-    canvas.fillRect(localBounds(), style.shade);
-    canvas.fillRoundRect(
-        box_, style.panelRadius,
-        Paint::linear(box_.origin(), {box_.x, box_.bottom()}, style.panelTop, style.panelBottom));
-    canvas.strokeRoundRect(box_, style.panelRadius, 1.0f, style.edge);
     Rect rest = box_.inset(kPadding);
-    TextStyle titleStyle = style.title;
-    titleStyle.size = 13.0f;
-    titleStyle.tracking = 0.0f;
-    canvas.textIn(request_.title, rest.removeFromTop(kTitleHeight), titleStyle, style.text);
+    const Rect title = rest.removeFromTop(kTitleHeight);
+    drawModalBox(canvas, style, {localBounds(), box_, title}, request_.title);
     rest.removeFromTop(kGap / 2.0f);
     for (const TextLine& line : lines_)
         canvas.textIn(std::string_view(request_.text).substr(line.begin, line.end - line.begin),
