@@ -35,5 +35,7 @@ std::string bigEndian(std::size_t value, int count);
 
 // Throws std::runtime_error with file and line.
 Score readScore(const std::string& path);
+// The bytes of a MIDI file, its tracks named as in the score.
+std::string midiFile(const Score& score);
 
 } // namespace tolm

@@ -75,5 +75,22 @@ TEST(Scores, errorsNameTheLine)
     EXPECT_THAT(errorOf("C4:1\n"), endsWith(":1: music before the first track"));
 }
 
+TEST(Scores, theMidiFilesOfTheDemoAreTheirs)
+{
+    const std::filesystem::path folder = std::filesystem::path(TOLM_SOURCE_DIR) / "data" / "demo";
+    int scores = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        std::filesystem::path path = entry.path();
+        if (path.extension() != ".score")
+            continue;
+        ++scores;
+        const std::string expected = midiFile(readScore(path.string()));
+        std::ifstream file(path.replace_extension(".mid"), std::ios::binary);
+        const std::string found{std::istreambuf_iterator<char>(file), {}};
+        EXPECT_TRUE(found == expected) << path << ": tolm-score SCORE -o MID makes it anew";
+    }
+    EXPECT_GE(scores, 4);
+}
+
 } // namespace
 } // namespace tolm
