@@ -90,6 +90,18 @@ TEST(Envelope, onsetsAreCounted)
     EXPECT_EQ(onsetCount(pulses), 8);
 }
 
+TEST(Envelope, fluxIsTheTurningOfTheSpectrum)
+{
+    std::mt19937 random(3);
+    std::uniform_real_distribution<double> noise(-1.0, 1.0);
+    const auto fluxOf = [](const Rendering& r) { return fluxPercent(r, 0, r.keyUpFrame); };
+    EXPECT_LT(fluxOf(mono([](double t) { return 0.5 * fall(t, 1.0) * sine(440.0, t); }, 2.0)), 0.1);
+    EXPECT_GT(fluxOf(mono([&](double) { return noise(random); }, 1.0)), 10.0);
+    const Rendering steps =
+        mono([](double t) { return sine(std::fmod(t, 0.2) < 0.1 ? 300.0 : 900.0, t); }, 2.0);
+    EXPECT_NEAR(fluxOf(steps), 100.0 / 4.7, 6.0); // all of it, every 4.7 pieces
+}
+
 TEST(Spectrum, centroidAndWidthFollowTheSignal)
 {
     const Rendering two = mono([](double t) { return sine(500.0, t) + sine(1500.0, t); }, 1.0);
@@ -121,6 +133,41 @@ TEST(Spectrum, harmonicityTellsTonesFromNoise)
     const Rendering hiss = mono([&](double) { return noise(random); }, 1.0);
     EXPECT_GT(flatness(wholeSpectra(hiss)), 0.8);
     EXPECT_LT(flatness(wholeSpectra(mono(tone, 1.0))), 0.05);
+}
+
+TEST(Spectrum, tonesOfAChordAreCountedFromItsKey)
+{
+    const auto tonesOf = [](std::initializer_list<int> semitones) {
+        const Rendering r = mono(
+            [&](double t) {
+                double sum = 0.0;
+                for (const int semitone : semitones)
+                    for (int harmonic = 1; harmonic <= 6; ++harmonic)
+                        sum +=
+                            0.1 / harmonic * sine(harmonic * 220.0 * std::exp2(semitone / 12.0), t);
+                return sum;
+            },
+            1.4);
+        return fundamentalCount(spectraOf(r, 0, r.keyUpFrame, 65536), 220.0);
+    };
+    EXPECT_EQ(tonesOf({0}), 1);
+    EXPECT_EQ(tonesOf({0, 12}), 1);
+    EXPECT_EQ(tonesOf({0, 3, 7, 10}), 4);
+    EXPECT_EQ(tonesOf({-12, 0, 5, 9}), 4); // with the fifth that the lower octave brings
+    EXPECT_EQ(tonesOf({3, 7}), 0);
+}
+
+TEST(Figures, anOffsetStandsAndAnOnsetDoesNot)
+{
+    const Rendering shifted = mono([](double t) { return 0.01 + 0.3 * sine(50.0, t); }, 2.0);
+    EXPECT_NEAR(figuresOf(shifted).offsetDb, -40.0, 0.1);
+    const Rendering struck = mono(
+        [](double t) {
+            const double since = std::fmod(t, 0.5);
+            return 0.5 * fall(since, 0.1) * sine(60.0, since);
+        },
+        2.0);
+    EXPECT_LT(figuresOf(struck).offsetDb, -60.0);
 }
 
 } // namespace

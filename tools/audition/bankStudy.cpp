@@ -8,9 +8,6 @@
 namespace tolm {
 namespace {
 
-// The unit of distance is a median, for which some of the sounds do.
-constexpr std::size_t kTouchEvery = 4;
-
 double medianOf(std::vector<double> values)
 {
     if (values.empty())
@@ -28,8 +25,7 @@ BankStudy studyBank(const std::vector<Sound>& sounds,
     BankStudy study;
     study.sounds.resize(sounds.size());
     std::vector<Features> features(sounds.size());
-    std::vector<std::pair<Features, Features>> touches((sounds.size() + kTouchEvery - 1) /
-                                                       kTouchEvery);
+    std::vector<std::pair<Features, Features>> touches(sounds.size());
     forAll(
         sounds.size(),
         [&](std::size_t i) {
@@ -39,9 +35,8 @@ BankStudy studyBank(const std::vector<Sound>& sounds,
             sound.category = categoryOf(record);
             sound.descriptors = describe(record);
             features[i] = featuresOf(record, sound.descriptors);
-            if (i % kTouchEvery == 0)
-                touches[i / kTouchEvery] = {featuresOf(record, sound.descriptors, kSofterTouch),
-                                            featuresOf(record, sound.descriptors, kHarderTouch)};
+            touches[i] = {featuresOf(record, sound.descriptors, kSofterTouch),
+                          featuresOf(record, sound.descriptors, kHarderTouch)};
         },
         progress);
     study.likeness = Likeness(std::move(features));

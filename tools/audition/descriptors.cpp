@@ -83,6 +83,7 @@ void describePhrase(const ProgramRecord& program, int category, Descriptors& d)
     d[D::width] = std::max(figures.widthDb, kMonoDb);
     d[D::lowWidth] = std::max(widthDb(spectra, 200.0), kMonoDb);
     d[D::monoLoss] = figures.monoLossDb;
+    d[D::offset] = figures.offsetDb;
     constexpr double kBeatsPerSecond = 2.0;
     const double seconds = static_cast<double>(r.keyUpFrame) / kAuditionRateHz;
     d[D::onsets] = onsetCount(r) / (seconds * kBeatsPerSecond);
@@ -96,13 +97,17 @@ void describeNote(const ProgramRecord& program, const NoteRow& note, Descriptors
     d[D::attack] = attackMs(envelope, note.attackSeconds);
     d[D::decay] = decaySeconds(envelope, r.keyUpFrame);
     d[D::centroid] = centroidHz(spectra);
-    d[D::harmonicity] = harmonicity(spectraOf(r, 0, r.keyUpFrame, kFineSpectrum), keyHz(note.key));
+    const Spectra fine = spectraOf(r, 0, r.keyUpFrame, kFineSpectrum);
+    d[D::harmonicity] = harmonicity(fine, keyHz(note.key));
+    if (categoryOf(program) == kChords)
+        d[D::fundamentals] = fundamentalCount(fine, keyHz(note.key));
     d[D::lowShare] = lowShare(spectra);
     d[D::flatness] = flatness(spectra);
     const double sounding =
         std::min(d[D::decay] * kAuditionRateHz, 1.0 * static_cast<double>(r.keyUpFrame));
-    d[D::modulation] = modulationPercent(r, std::min(kHalfSecond, r.keyUpFrame / 4),
-                                         static_cast<std::size_t>(sounding));
+    const std::size_t settled = std::min(kHalfSecond, r.keyUpFrame / 4);
+    d[D::modulation] = modulationPercent(r, settled, static_cast<std::size_t>(sounding));
+    d[D::flux] = fluxPercent(r, settled, static_cast<std::size_t>(sounding));
     const double start = centroidBetween(r, 0, kShortSpectrum);
     const double later = centroidBetween(r, kHalfSecond - kShortSpectrum, kHalfSecond);
     d[D::brightnessFall] = start > 0.0 ? 100.0 * (1.0 - later / start) : 0.0;

@@ -23,6 +23,8 @@ enum class Descriptor : std::uint8_t {
     width,
     monoLoss,
     modulation,
+    flux,
+    offset,
     velocityLevel,
     velocityBrightness,
     lowWidth,
@@ -30,6 +32,7 @@ enum class Descriptor : std::uint8_t {
     levelAfter4s,
     onsets,
     breathBrightness,
+    fundamentals,
     count
 };
 inline constexpr std::size_t kDescriptorCount = static_cast<std::size_t>(Descriptor::count);
@@ -57,6 +60,8 @@ inline constexpr DescriptorColumn kDescriptorColumns[] = {
     {"width", "width", "side against mid of the phrase, dB", 1},
     {"mono loss", "mono", "what the phrase loses as a mono sum, dB", 1},
     {"modulation", "mod %", "swing of the note's level or brightness at 0.5 to 12 Hz", 0},
+    {"flux", "flux %", "how much the note's spectrum differs from one 21 ms to the next", 1},
+    {"offset", "offset", "standing mean of the phrase, dBFS", 0},
     {"velocity level", "vel dB", "level gained from velocity 40 to 120", 1},
     {"velocity brightness", "vel %", "centroid change from velocity 40 to 120", 0},
     {"low width", "lo wid", "side against mid of the phrase below 200 Hz, dB", 1},
@@ -64,6 +69,7 @@ inline constexpr DescriptorColumn kDescriptorColumns[] = {
     {"level after 4 s", "4s dB", "level of the held note after 4 s against its loudest", 0},
     {"onsets", "onsets", "attacks of the phrase per beat at 120 bpm", 1},
     {"breath brightness", "brth %", "centroid change by full breath controller", 0},
+    {"fundamentals", "tones", "distinct tones of the note from an octave below the key on", 0},
 };
 static_assert(std::size(kDescriptorColumns) == kDescriptorCount);
 
@@ -76,8 +82,8 @@ struct Descriptors {
 };
 
 // Plays the program several times; about half a second of computing. What no rule of the category
-// asks for and no column of all needs (onsets, breath) is measured only where it means something
-// and else 0.
+// asks for and no column of all needs (breath, fundamentals) is measured only where it means
+// something and else 0.
 Descriptors describe(const ProgramRecord& program);
 
 int categoryOf(const ProgramRecord& program);

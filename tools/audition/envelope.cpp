@@ -7,6 +7,7 @@
 #include <complex>
 #include <numbers>
 #include <numeric>
+#include <utility>
 
 namespace tolm {
 namespace {
@@ -70,6 +71,21 @@ double swing(const std::vector<double>& values, double stepSeconds)
         power += 2.0 * std::norm(sum / static_cast<double>(count));
     }
     return std::sqrt(2.0 * power) / mean;
+}
+
+// Of both channels, scaled to a length of one.
+std::vector<double> amplitudesOf(const Rendering& rendering, std::size_t begin)
+{
+    const Spectra spectra = spectraOf(rendering, begin, begin + kSpectrumFrames, kSpectrumFrames);
+    std::vector<double> amplitudes(spectra.mid.size());
+    double power = 1e-20;
+    for (std::size_t bin = 0; bin < amplitudes.size(); ++bin) {
+        amplitudes[bin] = std::sqrt(spectra.mid[bin] + spectra.side[bin]);
+        power += spectra.mid[bin] + spectra.side[bin];
+    }
+    for (double& amplitude : amplitudes)
+        amplitude /= std::sqrt(power);
+    return amplitudes;
 }
 
 } // namespace
@@ -158,6 +174,23 @@ double modulationPercent(const Rendering& rendering, std::size_t begin, std::siz
         return 0.0;
     constexpr double kHopSeconds = static_cast<double>(kSpectrumFrames) / 2 / kAuditionRateHz;
     return 100.0 * std::max(swing(levels, kHopSeconds), swing(centroids, kHopSeconds));
+}
+
+double fluxPercent(const Rendering& rendering, std::size_t begin, std::size_t end)
+{
+    end = std::min(end, rendering.left.size());
+    std::vector<double> before;
+    double sum = 0.0;
+    double count = 0.0;
+    for (std::size_t i = begin; i + kSpectrumFrames <= end; i += kSpectrumFrames / 2) {
+        std::vector<double> shape = amplitudesOf(rendering, i);
+        if (!before.empty()) {
+            sum += 1.0 - std::inner_product(shape.begin(), shape.end(), before.begin(), 0.0);
+            count += 1.0;
+        }
+        before = std::move(shape);
+    }
+    return count > 0.0 ? 100.0 * sum / count : 0.0;
 }
 
 int onsetCount(const Rendering& rendering)

@@ -28,6 +28,9 @@ double levelAtDb(const std::vector<double>& envelope, double seconds);
 
 // Percent by which level or brightness swing at 0.5 to 12 Hz between two frames.
 double modulationPercent(const Rendering& rendering, std::size_t begin, std::size_t end);
+// Percent by which the shape of the spectrum turns from each 21 ms to the next: 0 for a steady
+// tone.
+double fluxPercent(const Rendering& rendering, std::size_t begin, std::size_t end);
 // Rises of the level by 2 dB within 15 ms, at least 50 ms apart, before the key goes up.
 int onsetCount(const Rendering& rendering);
 

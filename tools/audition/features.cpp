@@ -12,6 +12,8 @@
 namespace tolm {
 namespace {
 
+using D = Descriptor;
+
 constexpr int kKeys[] = {40, 60, 76};
 constexpr double kHeldSeconds = 1.2;
 constexpr double kSegmentEnds[] = {0.15, 0.6, kHeldSeconds}; // onset, body, rest
@@ -87,17 +89,27 @@ void appendNote(const ProgramRecord& program, int key, int velocity, Features& f
     }
 }
 
-// On the scales on which the ear compares them; what never ends counts as ten seconds.
+// Figures on the scales on which the ear compares them.
+double decades(double value, double least)
+{
+    return std::log10(std::max(value, least));
+}
+// What never ends counts as ten seconds.
+double timeOf(double seconds)
+{
+    return decades(std::min(seconds, 10.0), 0.002);
+}
+double widthOf(const Descriptors& d)
+{
+    return std::clamp(d[D::width], -40.0, 6.0);
+}
+
 void appendDescriptors(const Descriptors& d, Features& features)
 {
-    const auto decades = [](double seconds) {
-        return std::log10(std::clamp(seconds, 0.002, 10.0));
-    };
-    features.push_back(decades(d[Descriptor::attack] / 1000.0));
-    features.push_back(decades(d[Descriptor::decay]));
-    features.push_back(decades(d[Descriptor::release]));
-    features.push_back(std::clamp(d[Descriptor::width], -40.0, 6.0));
-    features.push_back(std::min(d[Descriptor::modulation], 100.0));
+    for (const double figure :
+         {timeOf(d[D::attack] / 1000.0), timeOf(d[D::decay]), timeOf(d[D::release]), widthOf(d),
+          std::min(d[D::modulation], 100.0)})
+        features.push_back(figure);
 }
 
 double distanceOf(const Features& a, const Features& b)
@@ -117,6 +129,21 @@ Features featuresOf(const ProgramRecord& program, const Descriptors& descriptors
         appendNote(program, key, velocity, features);
     appendDescriptors(descriptors, features);
     return features;
+}
+
+Features characterOf(const Descriptors& d)
+{
+    constexpr double kMostOnsets = 4.0; // per beat
+    return {decades(d[D::centroid], 20.0),
+            timeOf(d[D::attack] / 1000.0),
+            timeOf(d[D::decay]),
+            timeOf(d[D::release]),
+            d[D::harmonicity],
+            d[D::lowShare],
+            widthOf(d),
+            decades(d[D::modulation], 0.5),
+            decades(d[D::flatness], 1e-7),
+            std::min(d[D::onsets], kMostOnsets)};
 }
 
 Likeness::Likeness(std::vector<Features> bank)

@@ -18,6 +18,10 @@ using Features = std::vector<double>;
 Features featuresOf(const ProgramRecord& program, const Descriptors& descriptors,
                     int velocity = kAuditionVelocity);
 
+// What tells categories apart: brightness, attack, decay, release, harmonicity, low share, width,
+// modulation, flatness and onsets, of each category's own note and phrase.
+Features characterOf(const Descriptors& descriptors);
+
 struct Neighbour {
     std::size_t index = 0;
     double distance = 0.0; // in units, see Likeness

@@ -65,8 +65,7 @@ double fadeSecondsOf(const Rendering& r, double peak)
 }
 
 struct Sums {
-    double left = 0.0, right = 0.0; // of the samples up to the key-up, under a Hann window
-    double mid = 0.0, side = 0.0;   // of the squares
+    double mid = 0.0, side = 0.0; // of the squares
     double peak = 0.0;
     bool finite = true;
 };
@@ -74,7 +73,6 @@ struct Sums {
 Sums sumsOf(const Rendering& r)
 {
     Sums s;
-    const std::size_t held = std::max(std::min(r.keyUpFrame, r.left.size()), std::size_t{1});
     for (std::size_t i = 0; i < r.left.size(); ++i) {
         const double left = static_cast<double>(r.left[i]);
         const double right = static_cast<double>(r.right[i]);
@@ -82,15 +80,33 @@ Sums sumsOf(const Rendering& r)
         s.peak = std::max({s.peak, std::fabs(left), std::fabs(right)});
         s.mid += (left + right) * (left + right) / 4.0;
         s.side += (left - right) * (left - right) / 4.0;
-        if (i < r.keyUpFrame) {
-            // Without the window parts of cycles at both ends would count as an offset.
-            const double weight =
-                1.0 - std::cos(2.0 * kPi * static_cast<double>(i) / static_cast<double>(held));
-            s.left += weight * left;
-            s.right += weight * right;
-        }
     }
     return s;
+}
+
+// The mean of a piece under a Hann window: without it, parts of cycles at both ends would count.
+double meanOf(std::span<const float> piece)
+{
+    double sum = 0.0;
+    for (std::size_t i = 0; i < piece.size(); ++i)
+        sum += static_cast<double>(piece[i]) * (1.0 - std::cos(2.0 * kPi * static_cast<double>(i) /
+                                                               static_cast<double>(piece.size())));
+    return sum / static_cast<double>(std::max(piece.size(), std::size_t{1}));
+}
+
+// What half of the pieces have at least: a struck low tone has a mean of its own at its onset.
+double standingOffset(std::span<const float> signal)
+{
+    constexpr std::size_t kPiece = kAuditionRateHz / 4;
+    std::vector<double> offsets;
+    std::size_t at = 0;
+    do
+        offsets.push_back(
+            std::fabs(meanOf(signal.subspan(at, std::min(kPiece, signal.size() - at)))));
+    while ((at += kPiece / 2) + kPiece <= signal.size());
+    const auto middle = offsets.begin() + std::ssize(offsets) / 2;
+    std::nth_element(offsets.begin(), middle, offsets.end());
+    return *middle;
 }
 
 } // namespace
@@ -131,12 +147,12 @@ Loudness loudnessOf(const Rendering& rendering)
 Figures figuresOf(const Rendering& rendering)
 {
     const Sums sums = sumsOf(rendering);
-    const double held = static_cast<double>(std::clamp(
-        rendering.keyUpFrame, std::size_t{1}, std::max(rendering.left.size(), std::size_t{1})));
+    const std::size_t held = std::min(rendering.keyUpFrame, rendering.left.size());
     Figures f;
     f.finite = sums.finite;
     f.peakDb = decibels(sums.peak);
-    f.dcDb = decibels(std::max(std::fabs(sums.left), std::fabs(sums.right)) / held);
+    f.offsetDb = decibels(std::max(standingOffset(std::span(rendering.left).first(held)),
+                                   standingOffset(std::span(rendering.right).first(held))));
     f.attackMs = attackMs(envelopeOf(rendering), kUsualAttackSeconds);
     f.fadeSeconds = fadeSecondsOf(rendering, sums.peak);
     f.centroidHz = tolm::centroidHz(spectraOf(rendering, 0, rendering.keyUpFrame));

@@ -19,7 +19,7 @@ Loudness loudnessOf(const Rendering& rendering);
 struct Figures {
     bool finite = true;
     double peakDb = 0.0;      // sample peak, dBFS
-    double dcDb = 0.0;        // the larger channel's mean up to the key-up, dBFS
+    double offsetDb = 0.0;    // the larger channel's standing mean up to the key-up, dBFS
     double attackMs = 0.0;    // 10 to 90 % of the level that the first 0.5 s reach
     double fadeSeconds = 0.0; // from the last key-up until the sound stays 60 dB below its peak
     double centroidHz = 0.0;  // of the power between 20 Hz and 16 kHz

@@ -1,6 +1,7 @@
 #include "tools/audition/spectrum.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <numbers>
 #include <numeric>
@@ -193,6 +194,28 @@ double harmonicity(const Spectra& spectra, double fundamentalHz)
     return std::max(powerNearMultiples(spectra, fundamentalHz),
                     powerNearMultiples(spectra, fundamentalHz / 2.0)) /
            total;
+}
+
+int fundamentalCount(const Spectra& spectra, double keyHz)
+{
+    constexpr int kOctave = 12;
+    constexpr int kLowest = -kOctave;
+    constexpr int kHighest = 18; // the third harmonic of the key is one above
+    constexpr double kStandsOut = 0.01;
+    // From one semitone below to one above, for every tone has two neighbours.
+    std::array<double, kHighest - kLowest + 3> powers{};
+    for (std::size_t i = 0; i < powers.size(); ++i) {
+        const double tone = kLowest - 1.0 + static_cast<double>(i);
+        powers[i] = powerOf(spectra, keyHz * std::exp2((tone - 0.5) / kOctave),
+                            keyHz * std::exp2((tone + 0.5) / kOctave));
+    }
+    const double least = kStandsOut * *std::max_element(powers.begin() + 1, powers.end() - 1);
+    std::array<bool, kOctave> heard{};
+    for (std::size_t i = 1; i + 1 < powers.size(); ++i)
+        if (powers[i] > 0.0 && powers[i] >= least &&
+            powers[i] >= std::max(powers[i - 1], powers[i + 1]))
+            heard[(i - 1) % kOctave] = true; // the first is an octave below the key
+    return heard[0] ? static_cast<int>(std::count(heard.begin(), heard.end(), true)) : 0;
 }
 
 } // namespace tolm

@@ -35,5 +35,8 @@ double widthDb(const Spectra& spectra, double upToHz);
 // sub-octave or a fifth are as harmonic); at most 12 % of that frequency to either side and never
 // narrower than the window's main lobe.
 double harmonicity(const Spectra& spectra, double fundamentalHz);
+// How many tones of the scale stand out within 20 dB of the strongest, from an octave below the key
+// to a fifth above its octave; octaves count once, and none counts when the key's own is missing.
+int fundamentalCount(const Spectra& spectra, double keyHz);
 
 } // namespace tolm
