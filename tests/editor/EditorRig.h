@@ -1,25 +1,26 @@
 #pragma once
-// A whole editor over an offline plug-in, in a window without a display, with hands for mouse and
-// keys. Places are of the window.
+// The whole editor over an offline plug-in, in a window without a display, and hands that use it.
+// Places are of the window; views are found by their spoken names.
 
-#include "FakeEditorPort.h"
+#include "ActionsRig.h"
 #include "editor/ADEditor.h"
-#include "editor/arpPattern.h"
 #include "gui/Frame.h"
 
 #include <memory>
-#include <string>
-#include <vector>
 
 namespace tolm::test {
 
-struct EditorRig {
-    explicit EditorRig(bool opened = true)
-    {
-        if (opened)
-            open();
-    }
+inline constexpr gui::Modifiers kShift{true, false, false};
+inline constexpr gui::Modifiers kAlt{false, false, true};
+inline constexpr auto kLeft = gui::MouseButton::left;
+inline constexpr auto kRight = gui::MouseButton::right;
 
+struct EditorRig {
+    explicit EditorRig(Page page = Page::modulation)
+    {
+        editor.showPage(page);
+        open();
+    }
     void open()
     {
         editor.setScale(1.0f);
@@ -28,58 +29,137 @@ struct EditorRig {
         editor.openIn(std::move(made));
         port.takeCalls();
     }
+
     gui::Frame& frame() { return window->frame(); }
-    // The first view of a type whose spoken name begins so.
+    EditHistory& history() { return editor.context().history(); }
+    float value(int id) const { return port.value(id); }
+    std::string programName() const { return port.record(port.currentProgram()).name.data(); }
+    // From outside of the window's hands, as a host would.
+    void set(int id, float value)
+    {
+        port.OfflinePort::setParameter(id, value);
+        editor.idle();
+    }
+    // As a control of the window does.
+    void change(int tag, float value)
+    {
+        editor.context().actions().controlChanged(tag, value);
+        editor.idle();
+    }
+
+    // The first view of a type whose name begins so, shown or not.
     template <class T = gui::View>
     T* find(std::string_view spoken)
     {
         return dynamic_cast<T*>(findIn(frame().content(), spoken));
     }
-    void idle(double seconds = 0.05)
+    gui::Rect place(std::string_view spoken) { return find(spoken)->boundsInFrame(); }
+    gui::Point middle(std::string_view spoken) { return place(spoken).centre(); }
+    // The box above all others, if it is one.
+    template <class T>
+    T* overlay()
+    {
+        move({kWindowSize.x / 2, kWindowSize.y / 2});
+        for (gui::View* view = frame().hovered(); view != nullptr; view = view->parent())
+            if (auto* const found = dynamic_cast<T*>(view))
+                return found;
+        return nullptr;
+    }
+
+    void wait(double seconds = 0.05)
     {
         window->advance(seconds);
         editor.idle();
     }
-
-    void press(gui::Point p, gui::MouseButton button = gui::MouseButton::left, int clicks = 1)
+    void move(gui::Point at, gui::Modifiers modifiers = {})
     {
-        frame().mouseMoved({p, gui::MouseButton::none, {}, 1, 0});
-        frame().mouseDown({p, button, {}, clicks, 0});
+        frame().mouseMoved({at, gui::MouseButton::none, modifiers, 1, 0});
     }
-    void drag(gui::Point p) { frame().mouseMoved({p, gui::MouseButton::left, {}, 1, 0}); }
-    void release(gui::Point p) { frame().mouseUp({p, gui::MouseButton::left, {}, 1, 0}); }
-    void click(gui::Point p)
+    void press(gui::Point at, gui::MouseButton button = kLeft, gui::Modifiers modifiers = {},
+               int clicks = 1)
     {
-        press(p);
-        release(p);
-        idle();
+        move(at);
+        frame().mouseDown({at, button, modifiers, clicks, 0});
     }
-    void click(gui::View& view) { click(view.boundsInFrame().centre()); }
-    bool key(gui::Key pressed)
+    void release(gui::Point at, gui::MouseButton button = kLeft)
     {
-        const bool used = frame().keyDown({pressed, {}, {}});
-        idle();
+        frame().mouseUp({at, button, {}, 1, 0});
+        wait();
+    }
+    void click(gui::Point at, gui::MouseButton button = kLeft)
+    {
+        press(at, button);
+        release(at, button);
+    }
+    void click(std::string_view spoken) { click(middle(spoken)); }
+    void dragTo(gui::Point from, gui::Point to)
+    {
+        press(from);
+        move(to);
+        release(to);
+    }
+    void wheel(gui::Point at, float steps, gui::Modifiers modifiers = {})
+    {
+        frame().mouseWheel({at, steps, modifiers, 0});
+    }
+    bool key(gui::Key key, gui::Modifiers modifiers = {})
+    {
+        const bool used = frame().keyDown({key, {}, modifiers});
+        wait();
         return used;
     }
-    void type(const std::string& text)
+    void type(std::string_view text)
     {
-        for (const char letter : text)
-            frame().keyDown({letter == ' ' ? gui::Key::space : gui::Key::character,
-                             std::string(1, letter),
-                             {}});
-        idle();
+        for (const char c : text)
+            frame().keyDown(
+                {c == ' ' ? gui::Key::space : gui::Key::character, std::string(1, c), {}});
+        wait();
+    }
+    void enter(std::string_view text)
+    {
+        type(text);
+        key(gui::Key::enter);
+    }
+    // An entry of a menu, found by typing.
+    void choose(std::string_view menu, std::string_view entry)
+    {
+        click(menu);
+        enter(entry);
+    }
+    void focusOn(std::string_view spoken) { frame().setFocus(find(spoken)); }
+    bool undo() { return history().undo(); }
+    // How many steps can be taken back.
+    int undoAll()
+    {
+        int steps = 0;
+        while (undo())
+            ++steps;
+        return steps;
+    }
+    // What is painted again after meters came in, device pixels at scale 1.
+    std::vector<gui::Rect> paintedBy(const EditorMeters& meters)
+    {
+        wait(1.0);
+        editor.context().tellMeters(meters);
+        return painted();
+    }
+    // What waits to be painted.
+    std::vector<gui::Rect> painted()
+    {
+        gui::Image image(static_cast<int>(kWindowSize.x), static_cast<int>(kWindowSize.y));
+        gui::GlyphCache glyphs;
+        return frame().paint(image, glyphs);
     }
 
     FakeEditorPort port;
-    std::vector<ProgramRecord> userPattern = std::vector<ProgramRecord>(1);
-    RecordPatternTable patterns{userPattern};
+    TwoPatterns patterns;
     ADEditor editor{port, patterns};
     gui::HeadlessWindow* window = nullptr;
 
 private:
     static gui::View* findIn(gui::View& view, std::string_view spoken)
     {
-        if (view.spokenName().starts_with(spoken) && !spoken.empty())
+        if (view.spokenName().starts_with(spoken))
             return &view;
         for (const auto& child : view.children())
             if (gui::View* const found = findIn(*child, spoken))

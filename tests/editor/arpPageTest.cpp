@@ -1,13 +1,11 @@
 // The arpeggiator page under a mouse and keys, and how it reads steps.
 
-#include "PagesRig.h"
+#include "EditorRig.h"
 #include "editor/CArpMainMM.h"
 #include "editor/CArpMainMMPatterns.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include <optional>
 
 namespace tolm::test {
 namespace {
@@ -17,13 +15,6 @@ using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::StartsWith;
-
-constexpr gui::Modifiers kShift{true, false, false};
-constexpr float kDynamic = 5.0f;
-constexpr float kDuophonic = 6.0f;
-constexpr auto kRight = gui::MouseButton::right;
-
-// ---- Readings --------------------------------------------------------------------------------
 
 TEST(ArpSteps, readAsTheModePlaysThem)
 {
@@ -75,11 +66,12 @@ TEST(ArpSteps, everyNumberSurvivesItsValueAndItsText)
     EXPECT_FALSE(numberFromText(StepReading::finger, "10"));
 }
 
-// ---- Gestures --------------------------------------------------------------------------------
-
 class ArpPage : public ::testing::Test {
 protected:
-    PagesRig rig{Page::arpeggiator};
+    EditorRig rig{Page::arpeggiator};
+    CArpMainMMLane& notes = *rig.find<CArpMainMMLane>("Arpeggiator notes");
+    CArpMainMMLane& second = *rig.find<CArpMainMMLane>("Arpeggiator velocities");
+    CArpPatternMenu& menu = *rig.find<CArpPatternMenu>("Arpeggiator pattern");
 
     ArpPage()
     {
@@ -90,48 +82,44 @@ protected:
         rig.set(kArpMode, 0.0f);
         rig.port.takeCalls();
     }
-    CArpMainMMLane& notes() { return rig.viewOf<CArpMainMMLane>("Arpeggiator notes"); }
-    CArpMainMMLane& second() { return rig.viewOf<CArpMainMMLane>("Arpeggiator velocities"); }
     static gui::Point at(const CArpMainMMLane& lane, int step, int number)
     {
         return lane.toFrame({lane.column(step).centre().x, lane.heightOf(number)});
     }
-    int velocity(int step) const
+    // A drag through places, in one gesture.
+    void stroke(const std::vector<gui::Point>& places, gui::MouseButton button = kLeft,
+                gui::Modifiers modifiers = {})
     {
-        return stepNumber(StepReading::velocity, rig.value(kArpVelocity1 + step));
+        rig.press(places.front(), button, modifiers);
+        for (const gui::Point& place : places)
+            rig.move(place, modifiers);
+        rig.release(places.back(), button);
     }
-    void chooseTool(const std::string& name)
-    {
-        rig.click(rig.middleOf("Arpeggiator pattern commands"));
-        rig.type(name);
-    }
+    void chooseTool(std::string_view name) { rig.choose("Arpeggiator pattern commands", name); }
+    std::string steps() { return rig.editor.context().text(kArpStepCount); }
 };
 
 TEST_F(ArpPage, aQuickStrokePaintsEveryStepAndIsOneStepOfUndo)
 {
-    rig.press(at(notes(), 3, 1));
-    rig.move(at(notes(), 6, 13));
-    rig.move(at(notes(), 8, 13));
-    rig.release(at(notes(), 8, 13));
-    const int painted[] = {1, 5, 9, 13, 13, 13, 1};
-    for (int step = 3; step < 10; ++step)
-        EXPECT_EQ(rig.value(256 + step) * 128.0f, static_cast<float>(painted[step - 3])) << step;
+    stroke({at(notes, 3, 1), at(notes, 6, 13), at(notes, 8, 13)});
     EXPECT_THAT(rig.port.takeCalls(),
                 ElementsAre("setParameterQuiet 260 0.0390625", "setParameterQuiet 261 0.0703125",
                             "setParameterQuiet 262 0.101562", "setParameterQuiet 263 0.101562",
                             "setParameterQuiet 264 0.101562"));
     EXPECT_EQ(rig.undoAll(), 1);
     EXPECT_EQ(rig.value(262), 1.0f / 128.0f);
+    // Closing the window ends a stroke, too.
+    rig.press(at(notes, 3, 13));
+    rig.editor.close();
+    EXPECT_EQ(rig.undoAll(), 1);
+    EXPECT_EQ(rig.value(259), 1.0f / 128.0f);
 }
 
 TEST_F(ArpPage, shiftDrawsAStraightLineThatCanBecomeShorterAgain)
 {
-    rig.press(at(second(), 2, 127), gui::MouseButton::left, kShift);
-    rig.move(at(second(), 20, 27), kShift);
-    rig.move(at(second(), 12, 27), kShift);
-    rig.release(at(second(), 12, 27));
+    stroke({at(second, 2, 127), at(second, 20, 27), at(second, 12, 27)}, kLeft, kShift);
     for (int step = 2; step <= 12; ++step)
-        EXPECT_NEAR(velocity(step), 127 - 10 * (step - 2), 1) << step;
+        EXPECT_NEAR(rig.value(kArpVelocity1 + step) * 127, 127 - 10 * (step - 2), 1) << step;
     for (const int step : {1, 13, 20})
         EXPECT_EQ(rig.value(kArpVelocity1 + step), 0.0f) << step;
     EXPECT_EQ(rig.undoAll(), 1);
@@ -141,49 +129,40 @@ TEST_F(ArpPage, theRightButtonResetsWhatItCrosses)
 {
     const float initial = rig.editor.context().defaultValue(kArpVelocity1);
     ASSERT_GT(initial, 0.0f);
-    rig.press(at(second(), 9, 10), kRight);
-    rig.move(at(second(), 5, 90));
-    rig.release(at(second(), 5, 90), kRight);
+    stroke({at(second, 9, 10), at(second, 5, 90)}, kRight);
     for (int step = 4; step <= 10; ++step)
         EXPECT_EQ(rig.value(kArpVelocity1 + step), step >= 5 && step <= 9 ? initial : 0.0f);
     EXPECT_EQ(rig.undoAll(), 1);
 }
 
-TEST_F(ArpPage, restsAndTiesHaveTheirPlaces)
+TEST_F(ArpPage, rowsPaintWhatTheModeReads)
 {
-    rig.click(at(notes(), 0, 0));
-    rig.click(at(notes(), 1, kTieNumber));
-    rig.click(at(notes(), 2, 25));
-    EXPECT_EQ(rig.value(256), 0.0f);
-    EXPECT_EQ(rig.value(257), 1.0f);
-    EXPECT_EQ(rig.value(258), 25.0f / 128.0f);
-}
-
-TEST_F(ArpPage, theSecondRowPaintsWhatTheModeReads)
-{
-    rig.set(kArpMode, kDynamic);
-    rig.click(at(second(), 4, 3));
-    EXPECT_EQ(rig.value(292), 0.375f);
-    rig.set(kArpMode, kDuophonic);
-    rig.click(at(second(), 5, 20));
-    EXPECT_EQ(rig.value(293), 20.0f / 128.0f);
-    rig.click(at(second(), 6, kTieNumber));
-    EXPECT_EQ(rig.value(294), 1.0f);
+    const auto paint = [&](float mode, CArpMainMMLane& lane, int step, int number) {
+        rig.set(kArpMode, mode);
+        rig.click(at(lane, step, number));
+        return rig.value((&lane == &notes ? kArpNote1 : kArpVelocity1) + step);
+    };
+    EXPECT_EQ(paint(0.0f, notes, 0, 0), 0.0f); // a rest
+    EXPECT_EQ(paint(0.0f, notes, 1, kTieNumber), 1.0f);
+    EXPECT_EQ(paint(0.0f, notes, 2, 25), 25.0f / 128.0f);
+    EXPECT_EQ(paint(5.0f, second, 4, 3), 0.375f); // fingers
+    EXPECT_EQ(paint(6.0f, second, 5, 20), 20.0f / 128.0f);
+    EXPECT_EQ(paint(6.0f, second, 6, kTieNumber), 1.0f);
     EXPECT_EQ(rig.editor.context().text(kArpMode), "Mode: Duophonic");
-    EXPECT_FALSE(rig.view("Arpeggiator velocity mix")->isEnabled());
+    EXPECT_FALSE(rig.find("Arpeggiator velocity mix")->isEnabled());
     rig.set(kArpMode, 3.0f);
-    EXPECT_TRUE(rig.view("Arpeggiator velocity mix")->isEnabled());
+    EXPECT_TRUE(rig.find("Arpeggiator velocity mix")->isEnabled());
 }
 
 TEST_F(ArpPage, theWheelMovesOneStepAndShowsNotesAboveTheRange)
 {
-    const gui::Point third = at(notes(), 2, 5);
+    const gui::Point third = at(notes, 2, 5);
     rig.wheel(third, 1.0f);
     rig.wheel(third, 1.0f);
     for (int turn = 0; turn < 4; ++turn)
         rig.wheel(third, 1.0f, kShift);
     EXPECT_EQ(rig.value(258), 51.0f / 128.0f);
-    EXPECT_GT(notes().heightOf(51), notes().heightOf(kTieNumber)) << "still below the ties";
+    EXPECT_GT(notes.heightOf(51), notes.heightOf(kTieNumber)) << "still below the ties";
     rig.wait(1.0);
     rig.wheel(third, -1.0f);
     rig.wait(1.0);
@@ -193,25 +172,25 @@ TEST_F(ArpPage, theWheelMovesOneStepAndShowsNotesAboveTheRange)
 
 TEST_F(ArpPage, theRulerSetsTheLength)
 {
-    auto& ruler = rig.viewOf<CArpMainMMRuler>("Arpeggiator length");
+    const auto& ruler = *rig.find("Arpeggiator length");
     const auto number = [&](int step) {
-        return ruler.toFrame({notes().column(step - 1).centre().x, 5.0f});
+        return ruler.toFrame({notes.column(step - 1).centre().x, 5.0f});
     };
     rig.press(number(8));
-    EXPECT_EQ(rig.editor.context().text(kArpStepCount), "8 steps");
+    EXPECT_EQ(steps(), "8 steps");
     rig.move(number(12));
     rig.release(number(12));
-    EXPECT_EQ(rig.editor.context().text(kArpStepCount), "12 steps");
-    const gui::Point edge = ruler.toFrame({notes().column(12).x + 3.0f, 10.0f});
+    EXPECT_EQ(steps(), "12 steps");
+    const gui::Point edge = ruler.toFrame({notes.column(12).x + 3.0f, 10.0f});
     rig.press(edge);
-    EXPECT_EQ(rig.editor.context().text(kArpStepCount), "12 steps") << "taken by its handle";
+    EXPECT_EQ(steps(), "12 steps") << "taken by its handle";
     rig.move({edge.x + 21.0f, edge.y});
     rig.release({edge.x + 21.0f, edge.y});
-    EXPECT_EQ(rig.editor.context().text(kArpStepCount), "13 steps");
+    EXPECT_EQ(steps(), "13 steps");
     rig.wheel(number(4), -1.0f);
     rig.wheel(number(4), -1.0f);
     rig.wait(1.0);
-    EXPECT_EQ(rig.editor.context().text(kArpStepCount), "11 steps");
+    EXPECT_EQ(steps(), "11 steps");
     EXPECT_THAT(rig.port.takeCalls(), Each(StartsWith("setParameterQuiet 320 ")));
     EXPECT_EQ(rig.undoAll(), 3);
 }
@@ -219,7 +198,7 @@ TEST_F(ArpPage, theRulerSetsTheLength)
 TEST_F(ArpPage, keysMoveChangeTypeAndReset)
 {
     rig.frame().setKeyboardMode(true);
-    rig.frame().setFocus(&notes());
+    rig.frame().setFocus(&notes);
     rig.key(gui::Key::home);
     rig.key(gui::Key::right);
     rig.key(gui::Key::up);
@@ -227,29 +206,29 @@ TEST_F(ArpPage, keysMoveChangeTypeAndReset)
     rig.key(gui::Key::pageUp);
     EXPECT_EQ(rig.value(257), 14.0f / 128.0f);
     rig.key(gui::Key::enter);
-    rig.type("g#3");
+    rig.enter("g#3");
     EXPECT_EQ(rig.value(257), 33.0f / 128.0f);
-    rig.frame().setFocus(&notes());
+    rig.frame().setFocus(&notes);
     rig.key(gui::Key::deleteForward);
     EXPECT_EQ(rig.value(257), rig.editor.context().defaultValue(257));
 }
 
 TEST_F(ArpPage, patternsAreChosenCopiedPastedAndTurned)
 {
-    rig.click(rig.middleOf("Arpeggiator pattern"));
+    rig.click("Arpeggiator pattern");
     rig.key(gui::Key::end);
     rig.key(gui::Key::enter);
     EXPECT_FLOAT_EQ(rig.value(kArpRate), 0.2f) << "the last of the table";
     EXPECT_THAT(rig.port.takeCalls(), Contains("softAllNotesOff"));
-    EXPECT_EQ(rig.viewOf<CArpPatternMenu>("Arpeggiator pattern").shownPattern(), 2);
+    EXPECT_EQ(menu.shownPattern(), 2);
     chooseTool("copy");
-    rig.click(at(notes(), 0, 7));
-    EXPECT_EQ(rig.viewOf<CArpPatternMenu>("Arpeggiator pattern").shownPattern(), 0);
+    rig.click(at(notes, 0, 7));
+    EXPECT_EQ(menu.shownPattern(), 0);
     chooseTool("one step later"); // of 1 + int(0.2 * 31) = 7 steps
     EXPECT_EQ(rig.value(257), 7.0f / 128.0f);
     chooseTool("paste");
     EXPECT_FLOAT_EQ(rig.value(257), 0.2f);
-    EXPECT_EQ(rig.viewOf<CArpPatternMenu>("Arpeggiator pattern").shownPattern(), 2);
+    EXPECT_EQ(menu.shownPattern(), 2);
     EXPECT_EQ(rig.undoAll(), 4);
 }
 
@@ -266,21 +245,13 @@ TEST_F(ArpPage, thePlayingStepPaintsOnlyItsColumns)
     meters.arpStep = 4;
     rig.paintedBy(meters);
     meters.arpStep = 5;
-    const float left = notes().toFrame(notes().column(4).origin()).x;
+    const float left = notes.toFrame(notes.column(4).origin()).x;
     for (const gui::Rect& rect : rig.paintedBy(meters)) {
-        if (rect.y < notes().boundsInFrame().y)
+        if (rect.y < notes.boundsInFrame().y)
             continue; // the ruler is small
         EXPECT_GE(rect.x, left);
         EXPECT_LE(rect.right(), left + 2 * CArpMainMMLane::kStepWidth);
     }
-}
-
-TEST_F(ArpPage, closingInTheMiddleOfAStrokeEndsIt)
-{
-    rig.press(at(notes(), 3, 13));
-    rig.editor.close();
-    EXPECT_TRUE(rig.history().undo());
-    EXPECT_EQ(rig.value(259), 1.0f / 128.0f);
 }
 
 } // namespace

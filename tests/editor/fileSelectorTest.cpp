@@ -9,7 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
+#include <unistd.h>
 
 namespace tolm::test {
 namespace {
@@ -18,66 +18,52 @@ class Files : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        const std::string test = ::testing::UnitTest::GetInstance()->current_test_info()->name();
-        folder_ = std::filesystem::temp_directory_path() / ("tolm-files-" + test);
-        std::filesystem::remove_all(folder_);
-        std::filesystem::create_directories(folder_);
-        rig_.editor.shell().settings.recentFolders = {folder_.string()};
+        std::filesystem::create_directories(folder);
+        rig.editor.shell().settings.recentFolders = {folder.string()};
     }
-    void TearDown() override { std::filesystem::remove_all(folder_); }
+    void TearDown() override { std::filesystem::remove_all(folder); }
 
-    // The dialog that is above all else.
-    gui::FileDialog* dialog()
-    {
-        rig_.frame().mouseMoved({{560.0f, 360.0f}, gui::MouseButton::none, {}, 1, 0});
-        for (gui::View* view = rig_.frame().hovered(); view != nullptr; view = view->parent())
-            if (auto* const found = dynamic_cast<gui::FileDialog*>(view))
-                return found;
-        return nullptr;
-    }
-    void ask(bool saves)
+    gui::FileDialog* ask(bool saves)
     {
         const FileRequest request{"Title", "fxp", "Programs", "Mine.fxp", saves};
-        selector_.choose(request, [this](const std::string& path) { chosen_.push_back(path); });
+        selector.choose(request, [this](const std::string& path) { chosen.push_back(path); });
+        return rig.overlay<gui::FileDialog>();
     }
 
-    EditorRig rig_;
-    WindowFileSelector selector_{rig_.frame(), rig_.editor.shell()};
-    std::filesystem::path folder_;
-    std::vector<std::string> chosen_;
+    EditorRig rig;
+    WindowFileSelector selector{rig.frame(), rig.editor.shell()};
+    std::filesystem::path folder =
+        std::filesystem::path(testing::TempDir()) / ("tolm-selector-" + std::to_string(getpid()));
+    std::vector<std::string> chosen;
 };
 
 TEST_F(Files, savingSuggestsANameAndMakesTheProgramUnchanged)
 {
-    rig_.editor.context().actions().controlChanged(kFilterCutoff, 0.111f);
-    EXPECT_TRUE(rig_.editor.shell().comparison.isCurrentChanged());
-    ask(true);
-    gui::FileDialog* const box = dialog();
+    rig.change(kFilterCutoff, 0.111f);
+    EXPECT_TRUE(rig.editor.shell().comparison.isCurrentChanged());
+    gui::FileDialog* const box = ask(true);
     ASSERT_NE(box, nullptr);
-    EXPECT_EQ(box->folder(), folder_);
+    EXPECT_EQ(box->folder(), folder);
     EXPECT_EQ(box->nameField().text(), "Mine.fxp");
-    EXPECT_TRUE(chosen_.empty());
+    EXPECT_TRUE(chosen.empty());
     box->accept();
-    rig_.idle();
-    EXPECT_THAT(chosen_, ::testing::ElementsAre((folder_ / "Mine.fxp").string()));
-    EXPECT_FALSE(rig_.editor.shell().comparison.isCurrentChanged());
-    EXPECT_THAT(rig_.port.userFiles["settings.txt"], ::testing::HasSubstr(folder_.string()));
+    rig.wait();
+    EXPECT_THAT(chosen, ::testing::ElementsAre((folder / "Mine.fxp").string()));
+    EXPECT_FALSE(rig.editor.shell().comparison.isCurrentChanged());
+    EXPECT_THAT(rig.port.userFiles["settings.txt"], ::testing::HasSubstr(folder.string()));
 }
 
 TEST_F(Files, loadingOffersNoNameAndCancellingChoosesNothing)
 {
-    std::ofstream(folder_ / "Other.fxp") << "x";
-    ask(false);
-    gui::FileDialog* box = dialog();
+    gui::FileDialog* const box = ask(false);
     ASSERT_NE(box, nullptr);
     EXPECT_EQ(box->nameField().text(), "");
-    rig_.key(gui::Key::escape);
-    EXPECT_EQ(dialog(), nullptr);
-    EXPECT_TRUE(chosen_.empty());
+    rig.key(gui::Key::escape);
+    EXPECT_FALSE(rig.frame().hasOverlay());
     // A dialog that is open when the window closes is forgotten with it.
     ask(false);
-    rig_.editor.close();
-    EXPECT_TRUE(chosen_.empty());
+    rig.editor.close();
+    EXPECT_TRUE(chosen.empty());
 }
 
 } // namespace

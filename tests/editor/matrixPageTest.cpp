@@ -1,8 +1,7 @@
 // The matrix page under a mouse and keys.
 
-#include "PagesRig.h"
+#include "EditorRig.h"
 #include "editor/CMatrixPage.h"
-#include "gui/Menu.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -16,12 +15,9 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::StartsWith;
 
-constexpr gui::Modifiers kShift{true, false, false};
-constexpr gui::Modifiers kAlt{false, false, true};
-
 class MatrixPage : public ::testing::Test {
 protected:
-    PagesRig rig{Page::matrix};
+    EditorRig rig{Page::matrix};
 
     MatrixPage()
     {
@@ -40,20 +36,20 @@ protected:
     {
         return std::string("Matrix ") + column + " " + std::to_string(row + 1);
     }
-    void dragRow(int from, int to)
+    gui::Point cell(const char* column, int row) { return rig.middle(nameOf(column, row)); }
+    void choose(const char* column, int row, std::string_view entry)
     {
-        rig.press(rig.middleOf(nameOf("row", from)));
-        rig.move(rig.middleOf(nameOf("row", to)));
-        rig.release(rig.middleOf(nameOf("row", to)));
+        rig.choose(nameOf(column, row), entry);
     }
+    void focusOn(const char* column, int row) { rig.focusOn(nameOf(column, row)); }
+    bool hasFocus(const char* column, int row) { return rig.find(nameOf(column, row))->hasFocus(); }
 };
 
 // The bar is 152 pixels with 3 free at either end: 73 are 100 %.
 TEST_F(MatrixPage, anAmountFollowsThePointerSidewaysAndIsOneStepOfUndo)
 {
     fill(2, 13.0f, 0.5f, 5.0f);
-    const gui::Point start = rig.view(nameOf("amount", 2))->boundsInFrame().origin();
-    const gui::Point middle{start.x + 76.0f, start.y + 7.0f};
+    const gui::Point middle = cell("amount", 2);
     rig.press(middle);
     rig.move({middle.x + 20.0f, middle.y - 60.0f});
     rig.move({middle.x + 36.5f, middle.y + 40.0f});
@@ -72,77 +68,63 @@ TEST_F(MatrixPage, anAmountFollowsThePointerSidewaysAndIsOneStepOfUndo)
 TEST_F(MatrixPage, anAmountIsTypedTurnedAndReset)
 {
     fill(4, 1.0f, 0.5f, 3.0f);
-    const gui::Point at = rig.middleOf(nameOf("amount", 4));
-    rig.frame().mouseDown({at, gui::MouseButton::left, {}, 2, 0});
+    const gui::Point at = cell("amount", 4);
+    rig.press(at, kLeft, {}, 2);
     rig.release(at);
-    rig.type("-40");
+    rig.enter("-40");
     EXPECT_NEAR(rig.value(164), 0.3f, 1e-6f);
     rig.wheel(at, 1.0f);
     rig.wheel(at, 2.0f);
     rig.wait(1.0);
     EXPECT_NEAR(rig.value(164), 0.36f, 1e-5f);
-    rig.history().undo();
+    rig.undo();
     EXPECT_NEAR(rig.value(164), 0.3f, 1e-6f) << "turns in a row are one step";
-    rig.frame().setFocus(rig.view(nameOf("amount", 4)));
+    focusOn("amount", 4);
     rig.key(gui::Key::deleteForward);
     EXPECT_EQ(rig.value(164), 0.5f);
 }
 
-TEST_F(MatrixPage, aSourceIsFoundByTypingAndOfferedFirstInTheNextEmptyRow)
+TEST_F(MatrixPage, aChoiceIsFoundByTypingAndOfferedFirstInTheNextEmptyRow)
 {
-    rig.click(rig.middleOf(nameOf("source", 2)));
-    rig.type("lfo3*mw");
+    choose("source", 2, "lfo3*mw");
     EXPECT_THAT(rig.port.takeCalls(), ElementsAre("setParameterQuiet 130 18"));
-    EXPECT_EQ(rig.port.rememberedMatrixSource(), 18);
-    rig.click(rig.middleOf(nameOf("source", 9)));
-    rig.key(gui::Key::enter);
+    choose("source", 9, "");
     EXPECT_EQ(rig.value(137), 18.0f);
-    rig.click(rig.middleOf(nameOf("source", 9)));
+    rig.click(cell("source", 9));
     rig.key(gui::Key::up); // the one before in the menu: the row is not empty any more
     rig.key(gui::Key::enter);
     EXPECT_EQ(rig.value(137), 17.0f);
-    EXPECT_EQ(rig.undoAll(), 3);
-}
-
-TEST_F(MatrixPage, aVoiceMaskIsRememberedToo)
-{
-    rig.click(rig.middleOf(nameOf("voices", 0)));
-    rig.type("odd");
+    choose("voices", 0, "odd");
     EXPECT_EQ(rig.value(224), 25.0f);
-    rig.click(rig.middleOf(nameOf("voices", 23)));
-    rig.key(gui::Key::enter);
+    choose("voices", 23, "");
     EXPECT_EQ(rig.value(247), 25.0f);
+    EXPECT_EQ(rig.undoAll(), 5);
 }
 
 // Ids from the menu's table; the row is noted before the sub-menu sends its position.
 TEST_F(MatrixPage, aDestinationGoesThroughItsSubMenu)
 {
-    const struct {
-        const char* typed;
-        float id;
-    } kCases[] = {{"osc 1 semi", 11.0f},   {"noise level", 27.0f},  {"spike hard", 85.0f},
-                  {"filter cutoff", 5.0f}, {"velocity c", 95.0f},   {"lfo 3*comb", 41.0f},
-                  {"mm amount 6", 66.0f},  {"mm amount 24", 84.0f}, {"fx dry", 86.0f}};
-    for (const auto& one : kCases) {
-        rig.click(rig.middleOf(nameOf("destination", 7)));
-        rig.type(one.typed);
-        EXPECT_EQ(rig.value(199), one.id) << one.typed;
-        const auto calls = rig.port.takeCalls();
-        EXPECT_THAT(calls, Contains(StartsWith("setParameter 199 "))) << one.typed;
-        EXPECT_THAT(calls, Contains("updateHostDisplay")) << one.typed;
+    const std::pair<const char*, float> cases[] = {
+        {"osc 1 semi", 11.0f}, {"spike hard", 85.0f}, {"mm amount 24", 84.0f}, {"fx dry", 86.0f}};
+    for (const auto& [typed, id] : cases) {
+        SCOPED_TRACE(typed);
+        choose("destination", 7, typed);
+        EXPECT_EQ(rig.value(199), id);
+        EXPECT_THAT(rig.port.takeCalls(),
+                    ElementsAre(StartsWith("setParameter 199 "), "updateHostDisplay"));
     }
-    rig.click(rig.middleOf(nameOf("destination", 7)));
+    rig.click(cell("destination", 7));
     rig.key(gui::Key::home);
     rig.key(gui::Key::enter);
     EXPECT_EQ(rig.value(199), 0.0f) << "no destination comes first";
-    EXPECT_EQ(rig.undoAll(), 10);
+    EXPECT_EQ(rig.undoAll(), 5);
 }
 
 TEST_F(MatrixPage, aRowIsDraggedOntoAnotherAndScalingRowsFollow)
 {
     fill(0, 3.0f, 0.9f, 62.0f); // MM Amount 2
     fill(1, 13.0f, 0.7f, 5.0f);
-    dragRow(1, 16);
+    rig.dragTo(cell("row", 1), cell("row", 16));
     EXPECT_EQ(rig.value(128 + 16), 13.0f);
     EXPECT_EQ(rig.value(160 + 16), 0.7f);
     EXPECT_EQ(rig.value(192 + 16), 5.0f);
@@ -151,10 +133,7 @@ TEST_F(MatrixPage, aRowIsDraggedOntoAnotherAndScalingRowsFollow)
     EXPECT_EQ(rig.undoAll(), 1);
     EXPECT_EQ(rig.value(192), 62.0f);
 
-    rig.press(rig.middleOf(nameOf("row", 1)));
-    rig.move(rig.middleOf(nameOf("row", 5)));
-    rig.move({20.0f, 20.0f});
-    rig.release({20.0f, 20.0f});
+    rig.dragTo(cell("row", 1), {20.0f, 20.0f});
     EXPECT_EQ(rig.value(129), 13.0f) << "dropped beside the matrix";
     EXPECT_EQ(rig.undoAll(), 0);
 }
@@ -164,17 +143,17 @@ TEST_F(MatrixPage, rowsAreClearedAndTidied)
     fill(3, 13.0f, 0.7f, 5.0f);
     fill(6, 1.0f, 0.8f, 3.0f);
     fill(8, 2.0f, 0.6f, 0.0f); // no destination
-    rig.click({rig.view("Tidy")->boundsInFrame().centre()});
+    rig.click("Tidy");
     EXPECT_EQ(rig.value(128), 1.0f);
     EXPECT_EQ(rig.value(129), 13.0f);
     EXPECT_EQ(rig.value(136), 0.0f);
     EXPECT_THAT(rig.port.takeCalls(), Contains("reapplyProgram"));
 
-    rig.click(rig.middleOf(nameOf("source", 0)), gui::MouseButton::right);
-    rig.type("clear");
+    rig.click(cell("source", 0), kRight);
+    rig.enter("clear");
     EXPECT_EQ(rig.value(128), 0.0f);
     EXPECT_EQ(rig.value(160), 0.5f);
-    rig.frame().setFocus(rig.view(nameOf("row", 1)));
+    focusOn("row", 1);
     rig.key(gui::Key::deleteForward);
     EXPECT_EQ(rig.value(129), 0.0f);
     EXPECT_EQ(rig.undoAll(), 3);
@@ -184,13 +163,13 @@ TEST_F(MatrixPage, keysReachEveryCell)
 {
     fill(11, 1.0f, 0.5f, 3.0f);
     rig.frame().setKeyboardMode(true);
-    rig.frame().setFocus(rig.view(nameOf("row", 11)));
+    focusOn("row", 11);
     rig.key(gui::Key::tab);
-    EXPECT_EQ(rig.frame().focus(), rig.view(nameOf("source", 11)));
+    EXPECT_TRUE(hasFocus("source", 11));
     rig.key(gui::Key::right); // Velocity is followed by Note #
     EXPECT_EQ(rig.value(139), 2.0f);
     rig.key(gui::Key::down);
-    EXPECT_EQ(rig.frame().focus(), rig.view(nameOf("source", 12)));
+    EXPECT_TRUE(hasFocus("source", 12));
     rig.key(gui::Key::up);
     rig.key(gui::Key::down, kAlt);
     EXPECT_EQ(rig.value(140), 2.0f) << "the row went down with the focus";
@@ -206,18 +185,16 @@ TEST_F(MatrixPage, aKnobShowsAtOnceHowFarARowMovesIt)
     rig.wait(1.0);
     rig.editor.context().actions().controlChanged(kModAmount1, 0.75f);
     rig.editor.context().tellValue(kModAmount1);
-    const gui::Rect knob = rig.view("Filter cutoff")->boundsInFrame();
-    bool painted = false;
-    for (const gui::Rect& rect : rig.painted())
-        painted = painted || rect.intersection(knob) == knob;
-    EXPECT_TRUE(painted);
+    const gui::Rect knob = rig.place("Filter cutoff");
+    const auto covers = [&](const gui::Rect& rect) { return rect.intersection(knob) == knob; };
+    EXPECT_THAT(rig.painted(), Contains(::testing::Truly(covers)));
     EXPECT_FLOAT_EQ(rig.editor.context().modulationOf(kFilterCutoff), 0.5f);
 }
 
 TEST_F(MatrixPage, theTickShowsWhatARowAddsAndPaintsOnlyItsCell)
 {
     fill(0, 13.0f, 0.75f, 5.0f); // +50 %
-    auto& amount = rig.viewOf<CMatrixAmount>(nameOf("amount", 0));
+    auto& amount = *rig.find<CMatrixAmount>(nameOf("amount", 0));
     EditorMeters meters;
     meters.rowSource.fill(1.0f);
     EXPECT_THAT(rig.paintedBy(meters), IsEmpty());
