@@ -4,18 +4,17 @@
 
 #include "ActionsRig.h"
 #include "editor/ADEditor.h"
-#include "gui/Frame.h"
+#include "tests/gui/hands.h"
 
 #include <memory>
 
 namespace tolm::test {
 
 inline constexpr gui::Modifiers kShift{true, false, false};
-inline constexpr gui::Modifiers kAlt{false, false, true};
 inline constexpr auto kLeft = gui::MouseButton::left;
 inline constexpr auto kRight = gui::MouseButton::right;
 
-struct EditorRig {
+struct EditorRig : gui::Hands {
     explicit EditorRig(Page page = Page::modulation)
     {
         editor.showPage(page);
@@ -30,7 +29,6 @@ struct EditorRig {
         port.takeCalls();
     }
 
-    gui::Frame& frame() { return window->frame(); }
     EditHistory& history() { return editor.context().history(); }
     float value(int id) const { return port.value(id); }
     std::string programName() const { return port.record(port.currentProgram()).name.data(); }
@@ -71,54 +69,12 @@ struct EditorRig {
         window->advance(seconds);
         editor.idle();
     }
-    void move(gui::Point at, gui::Modifiers modifiers = {})
-    {
-        frame().mouseMoved({at, gui::MouseButton::none, modifiers, 1, 0});
-    }
-    void press(gui::Point at, gui::MouseButton button = kLeft, gui::Modifiers modifiers = {},
-               int clicks = 1)
-    {
-        move(at);
-        frame().mouseDown({at, button, modifiers, clicks, 0});
-    }
-    void release(gui::Point at, gui::MouseButton button = kLeft)
-    {
-        frame().mouseUp({at, button, {}, 1, 0});
-        wait();
-    }
-    void click(gui::Point at, gui::MouseButton button = kLeft)
-    {
-        press(at, button);
-        release(at, button);
-    }
+    using gui::Hands::click;
     void click(std::string_view spoken) { click(middle(spoken)); }
-    void dragTo(gui::Point from, gui::Point to)
-    {
-        press(from);
-        move(to);
-        release(to);
-    }
-    void wheel(gui::Point at, float steps, gui::Modifiers modifiers = {})
-    {
-        frame().mouseWheel({at, steps, modifiers, 0});
-    }
-    bool key(gui::Key key, gui::Modifiers modifiers = {})
-    {
-        const bool used = frame().keyDown({key, {}, modifiers});
-        wait();
-        return used;
-    }
-    void type(std::string_view text)
-    {
-        for (const char c : text)
-            frame().keyDown(
-                {c == ' ' ? gui::Key::space : gui::Key::character, std::string(1, c), {}});
-        wait();
-    }
     void enter(std::string_view text)
     {
         type(text);
-        key(gui::Key::enter);
+        keys("Enter");
     }
     // An entry of a menu, found by typing.
     void choose(std::string_view menu, std::string_view entry)
@@ -154,9 +110,9 @@ struct EditorRig {
     FakeEditorPort port;
     TwoPatterns patterns;
     ADEditor editor{port, patterns};
-    gui::HeadlessWindow* window = nullptr;
 
 private:
+    void settle() override { wait(); }
     static gui::View* findIn(gui::View& view, std::string_view spoken)
     {
         if (view.spokenName().starts_with(spoken))

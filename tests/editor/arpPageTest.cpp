@@ -199,25 +199,22 @@ TEST_F(ArpPage, keysMoveChangeTypeAndReset)
 {
     rig.frame().setKeyboardMode(true);
     rig.frame().setFocus(&notes);
-    rig.key(gui::Key::home);
-    rig.key(gui::Key::right);
-    rig.key(gui::Key::up);
+    rig.keys("Home Right Up");
     EXPECT_EQ(rig.value(257), 2.0f / 128.0f);
-    rig.key(gui::Key::pageUp);
+    rig.keys("PageUp");
     EXPECT_EQ(rig.value(257), 14.0f / 128.0f);
-    rig.key(gui::Key::enter);
+    rig.keys("Enter");
     rig.enter("g#3");
     EXPECT_EQ(rig.value(257), 33.0f / 128.0f);
     rig.frame().setFocus(&notes);
-    rig.key(gui::Key::deleteForward);
+    rig.keys("Delete");
     EXPECT_EQ(rig.value(257), rig.editor.context().defaultValue(257));
 }
 
 TEST_F(ArpPage, patternsAreChosenCopiedPastedAndTurned)
 {
     rig.click("Arpeggiator pattern");
-    rig.key(gui::Key::end);
-    rig.key(gui::Key::enter);
+    rig.keys("End Enter");
     EXPECT_FLOAT_EQ(rig.value(kArpRate), 0.2f) << "the last of the table";
     EXPECT_THAT(rig.port.takeCalls(), Contains("softAllNotesOff"));
     EXPECT_EQ(menu.shownPattern(), 2);

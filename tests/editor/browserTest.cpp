@@ -36,14 +36,14 @@ TEST(Browser, coversThePagesAndTakesKeysWhileItIsOpen)
     EXPECT_TRUE(rig.browser.isShowing());
     EXPECT_FALSE(rig.find("Filter cutoff")->isShowing());
     EXPECT_TRUE(rig.window->keysWanted());
-    EXPECT_TRUE(rig.key(gui::Key::escape));
+    EXPECT_TRUE(rig.keys("Escape"));
     EXPECT_FALSE(rig.browser.isShowing());
     EXPECT_TRUE(rig.find("Filter cutoff")->isShowing());
     EXPECT_FALSE(rig.window->keysWanted());
-    EXPECT_FALSE(rig.key(gui::Key::space)) << "the host's again";
+    EXPECT_FALSE(rig.keys("Space")) << "the host's again";
     rig.click("Program ");
     EXPECT_TRUE(rig.browser.isShowing());
-    EXPECT_TRUE(rig.key(gui::Key::enter));
+    EXPECT_TRUE(rig.keys("Enter"));
     EXPECT_FALSE(rig.browser.isShowing());
     rig.editor.context().toggleBrowser();
     rig.editor.close();
@@ -54,17 +54,17 @@ TEST(Browser, coversThePagesAndTakesKeysWhileItIsOpen)
 TEST(Browser, arrowKeysPlayThroughTheList)
 {
     BrowserRig rig;
-    rig.key(gui::Key::down);
+    rig.keys("Down");
     EXPECT_EQ(rig.port.currentProgram(), 1);
-    rig.key(gui::Key::pageDown);
+    rig.keys("PageDown");
     EXPECT_EQ(rig.port.currentProgram(), 33);
-    rig.key(gui::Key::up);
+    rig.keys("Up");
     EXPECT_EQ(rig.port.currentProgram(), 32);
     // A press on the keys below takes the focus; the arrows still belong to the browser.
     rig.click({600.0f, 700.0f});
-    rig.key(gui::Key::left);
+    rig.keys("Left");
     EXPECT_EQ(rig.port.currentProgram(), 0);
-    rig.key(gui::Key::up);
+    rig.keys("Up");
     EXPECT_EQ(rig.port.currentProgram(), 0);
 }
 
@@ -119,10 +119,10 @@ TEST(Browser, typingSearchesAllBanks)
     rig.type("lantern zyx");
     ASSERT_EQ(rig.model.rows().size(), 1u);
     EXPECT_EQ(rig.port.currentProgram(), 0) << "found is not chosen";
-    rig.key(gui::Key::down);
+    rig.keys("Down");
     EXPECT_EQ(rig.port.currentProgram(), 300);
     for (int i = 0; i < 11; ++i)
-        rig.key(gui::Key::backspace);
+        rig.keys("Backspace");
     EXPECT_EQ(rig.model.rows().size(), 128u);
 }
 

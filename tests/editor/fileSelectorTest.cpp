@@ -58,7 +58,7 @@ TEST_F(Files, loadingOffersNoNameAndCancellingChoosesNothing)
     gui::FileDialog* const box = ask(false);
     ASSERT_NE(box, nullptr);
     EXPECT_EQ(box->nameField().text(), "");
-    rig.key(gui::Key::escape);
+    rig.keys("Escape");
     EXPECT_FALSE(rig.frame().hasOverlay());
     // A dialog that is open when the window closes is forgotten with it.
     ask(false);

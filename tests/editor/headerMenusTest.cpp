@@ -46,10 +46,10 @@ TEST(ProgramMenu, revertsTheWholeBankOnlyWhenAskedTwice)
     for (const int changed : {0, 200, 383})
         rig.port.replaceProgram(changed, rig.port.initialRecord());
     rig.program("revert all");
-    rig.key(gui::Key::escape);
+    rig.keys("Escape");
     EXPECT_TRUE(rig.isInitial(200));
     rig.program("revert all");
-    rig.key(gui::Key::enter);
+    rig.keys("Enter");
     for (int program = 0; program < kProgramCount; ++program)
         ASSERT_TRUE(rig.isFactory(program)) << program;
     rig.click("Undo");
@@ -67,7 +67,7 @@ TEST(ProgramMenu, renamesInPlaceOfTheField)
     EXPECT_FALSE(rig.window->keysWanted());
     rig.program("rename");
     rig.type("Nothing");
-    rig.key(gui::Key::escape);
+    rig.keys("Escape");
     EXPECT_EQ(rig.programName(), "Quiet Harbour");
     // No name is longer than its place in a program.
     rig.program("rename");
@@ -121,10 +121,10 @@ TEST(SettingsMenu, forgetsOneControllerOrAll)
     rig.settings("CC 20");
     EXPECT_THAT(rig.port.takeCalls(), Contains("forget 28"));
     rig.settings("forget all");
-    rig.key(gui::Key::escape);
+    rig.keys("Escape");
     EXPECT_THAT(rig.port.takeCalls(), Not(Contains("forgetAll")));
     rig.settings("forget all");
-    rig.key(gui::Key::enter);
+    rig.keys("Enter");
     EXPECT_THAT(rig.port.takeCalls(), Contains("forgetAll"));
 }
 

@@ -80,7 +80,7 @@ TEST_F(MatrixPage, anAmountIsTypedTurnedAndReset)
     rig.undo();
     EXPECT_NEAR(rig.value(164), 0.3f, 1e-6f) << "turns in a row are one step";
     focusOn("amount", 4);
-    rig.key(gui::Key::deleteForward);
+    rig.keys("Delete");
     EXPECT_EQ(rig.value(164), 0.5f);
 }
 
@@ -91,8 +91,8 @@ TEST_F(MatrixPage, aChoiceIsFoundByTypingAndOfferedFirstInTheNextEmptyRow)
     choose("source", 9, "");
     EXPECT_EQ(rig.value(137), 18.0f);
     rig.click(cell("source", 9));
-    rig.key(gui::Key::up); // the one before in the menu: the row is not empty any more
-    rig.key(gui::Key::enter);
+    rig.keys("Up"); // the one before in the menu: the row is not empty any more
+    rig.keys("Enter");
     EXPECT_EQ(rig.value(137), 17.0f);
     choose("voices", 0, "odd");
     EXPECT_EQ(rig.value(224), 25.0f);
@@ -114,8 +114,7 @@ TEST_F(MatrixPage, aDestinationGoesThroughItsSubMenu)
                     ElementsAre(StartsWith("setParameter 199 "), "updateHostDisplay"));
     }
     rig.click(cell("destination", 7));
-    rig.key(gui::Key::home);
-    rig.key(gui::Key::enter);
+    rig.keys("Home Enter");
     EXPECT_EQ(rig.value(199), 0.0f) << "no destination comes first";
     EXPECT_EQ(rig.undoAll(), 5);
 }
@@ -154,7 +153,7 @@ TEST_F(MatrixPage, rowsAreClearedAndTidied)
     EXPECT_EQ(rig.value(128), 0.0f);
     EXPECT_EQ(rig.value(160), 0.5f);
     focusOn("row", 1);
-    rig.key(gui::Key::deleteForward);
+    rig.keys("Delete");
     EXPECT_EQ(rig.value(129), 0.0f);
     EXPECT_EQ(rig.undoAll(), 3);
 }
@@ -164,18 +163,16 @@ TEST_F(MatrixPage, keysReachEveryCell)
     fill(11, 1.0f, 0.5f, 3.0f);
     rig.frame().setKeyboardMode(true);
     focusOn("row", 11);
-    rig.key(gui::Key::tab);
+    rig.keys("Tab");
     EXPECT_TRUE(hasFocus("source", 11));
-    rig.key(gui::Key::right); // Velocity is followed by Note #
+    rig.keys("Right"); // Velocity is followed by Note #
     EXPECT_EQ(rig.value(139), 2.0f);
-    rig.key(gui::Key::down);
+    rig.keys("Down");
     EXPECT_TRUE(hasFocus("source", 12));
-    rig.key(gui::Key::up);
-    rig.key(gui::Key::down, kAlt);
+    rig.keys("Up Alt+Down");
     EXPECT_EQ(rig.value(140), 2.0f) << "the row went down with the focus";
     EXPECT_EQ(rig.value(139), 0.0f);
-    rig.key(gui::Key::tab);
-    rig.key(gui::Key::left);
+    rig.keys("Tab Left");
     EXPECT_NEAR(rig.value(172), 0.49f, 1e-5f);
 }
 

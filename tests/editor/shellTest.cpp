@@ -73,7 +73,7 @@ TEST(Keyboard, leavesNoNoteHanging)
     rig.port.notice = EditorNotice{"Info", "A box takes the mouse away."};
     rig.wait();
     EXPECT_THAT(rig.port.takeCalls(), Contains("releaseKey 48"));
-    rig.key(gui::Key::enter);
+    rig.keys("Enter");
     rig.press(key);
     rig.port.takeCalls();
     rig.editor.close();
@@ -209,12 +209,12 @@ TEST(Notices, areShownOneByOneAndKeptWhileNoWindowIsOpen)
     rig.port.notice = EditorNotice{"Info", "Another."};
     rig.wait();
     EXPECT_TRUE(rig.port.notice.has_value()) << "waits for the first to be read";
-    rig.key(gui::Key::enter);
+    rig.keys("Enter");
     rig.wait();
     box = rig.overlay<gui::Message>();
     ASSERT_NE(box, nullptr);
     EXPECT_EQ(box->text(), "Another.");
-    rig.key(gui::Key::enter);
+    rig.keys("Enter");
     EXPECT_FALSE(rig.frame().hasOverlay());
 }
 

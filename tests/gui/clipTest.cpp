@@ -29,20 +29,28 @@ TEST(Canvas, clipsNarrowRoundOutwardsAndComeBackWithRestore)
 
 TEST(Canvas, everyPrimitiveHonoursTheClipAndLooksTheSameInsideIt)
 {
-    constexpr int kWidth = static_cast<int>(kSheet.x);
-    constexpr int kHeight = static_cast<int>(kSheet.y);
-    CanvasRig whole(kWidth, kHeight);
-    drawPrimitives(whole.canvas);
-    CanvasRig pieces(kWidth, kHeight);
-    const float cuts[] = {0, 37, 101, 202, 331, 420};
-    for (int i = 0; i < 5; ++i)
-        for (int j = 0; j < 5; ++j) {
+    using namespace sheet;
+    constexpr int kSide = 200;
+    const auto draw = [](Canvas& canvas) {
+        panel(canvas, {4, 4, 192, 112}, "OSCILLATOR 1", kAmber);
+        knob(canvas, {38, 62}, 40, 0.7f, false, 0.15f, kAmber, "Detune");
+        button(canvas, {76, 34, 56, 18}, "Sync", true, kAmber);
+        button(canvas, {76, 58, 110, 18}, "Lowpass 24 dB  ▾", false, kTeal);
+        canvas.line({142, 50}, {198, 36}, 1.0f, kText);
+        curves(canvas, {6, 126, 190, 58});
+        canvas.textIn("A name that is too long", {76, 90, 60, 16}, {10.5f}, kSecondary);
+    };
+    CanvasRig whole(kSide, kSide);
+    draw(whole.canvas);
+    const float cuts[] = {0, 37, 101, 162, 200};
+    for (int i = 0; i < 4; ++i)
+        for (int j = 0; j < 4; ++j) {
             const Rect tile{cuts[i], cuts[j], cuts[i + 1] - cuts[i], cuts[j + 1] - cuts[j]};
-            CanvasRig part(kWidth, kHeight);
+            CanvasRig part(kSide, kSide);
             part.canvas.clip(tile);
-            drawPrimitives(part.canvas);
-            for (int y = 0; y < kHeight; ++y)
-                for (int x = 0; x < kWidth; ++x) {
+            draw(part.canvas);
+            for (int y = 0; y < kSide; ++y)
+                for (int x = 0; x < kSide; ++x) {
                     const bool inside =
                         tile.contains({static_cast<float>(x), static_cast<float>(y)});
                     ASSERT_EQ(part.at(x, y), inside ? whole.at(x, y) : 0) << x << ' ' << y;

@@ -1,10 +1,13 @@
 #pragma once
-// A headless window, hands that use it, and a view that writes down what happens to it.
+// A view that writes down what happens to it, and a window to put it in.
 
-#include "gui/Frame.h"
-#include "gui/Window.h"
+#include "tests/gui/hands.h"
 
+#include <gtest/gtest.h>
+
+#include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tolm::gui {
@@ -67,51 +70,14 @@ private:
     }
 };
 
-class Hands {
-public:
-    explicit Hands(HeadlessWindow& window) : window_(window) {}
+// A frame in a headless window, and the hands at it.
+class FrameTest : public testing::Test {
+protected:
+    explicit FrameTest(Point size) : window(size, 1.0f) {}
 
-    void press(Point at, Modifiers modifiers = {}, int clicks = 1,
-               MouseButton button = MouseButton::left)
-    {
-        frame().mouseDown({at, button, modifiers, clicks, 0});
-    }
-    void release(Point at, MouseButton button = MouseButton::left)
-    {
-        frame().mouseUp({at, button, {}, 1, 0});
-    }
-    void move(Point at, Modifiers modifiers = {})
-    {
-        frame().mouseMoved({at, MouseButton::none, modifiers, 1, 0});
-    }
-    void click(Point at)
-    {
-        move(at);
-        press(at);
-        release(at);
-    }
-    void wheel(Point at, float steps) { frame().mouseWheel({at, steps, {}, 0}); }
-    bool key(Key key, Modifiers modifiers = {}) { return frame().keyDown({key, {}, modifiers}); }
-    // One event per byte, as ASCII is typed.
-    void type(std::string_view text)
-    {
-        for (const char c : text)
-            frame().keyDown({c == ' ' ? Key::space : Key::character, std::string(1, c), {}});
-    }
-    bool control(char letter)
-    {
-        return frame().keyDown({Key::character, std::string(1, letter), {false, true, false}});
-    }
-    void wait(double seconds)
-    {
-        window_.advance(seconds);
-        window_.pump();
-    }
-
-private:
-    Frame& frame() { return window_.frame(); }
-
-    HeadlessWindow& window_;
+    HeadlessWindow window;
+    Frame& frame = window.frame();
+    Hands hands{&window};
 };
 
 } // namespace tolm::gui

@@ -1,7 +1,6 @@
 #include "tests/gui/frameRig.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace tolm::gui {
 
@@ -9,11 +8,11 @@ namespace {
 
 using testing::Each;
 
-class Frames : public testing::Test {
+class Frames : public FrameTest {
 protected:
-    HeadlessWindow window{{400.0f, 300.0f}, 1.0f};
-    Frame& frame = window.frame();
-    Hands hands{window};
+    Frames() : FrameTest({400.0f, 300.0f}) {}
+
+    const Point inside{115.0f, 125.0f}; // of the inner view
     Recorder& outer = frame.content().emplace<Recorder>(Rect{100.0f, 100.0f, 200.0f, 100.0f});
     Recorder& inner = outer.emplace<Recorder>(Rect{10.0f, 20.0f, 50.0f, 50.0f});
 
@@ -30,30 +29,28 @@ protected:
 
 TEST_F(Frames, eventsGoToTheTopmostViewAndUpUntilOneTakesThem)
 {
-    hands.press({115.0f, 125.0f});
+    hands.press(inside);
     EXPECT_EQ(inner.take(), "entered, down 5,5");
     EXPECT_EQ(outer.take(), "");
-    hands.release({115.0f, 125.0f});
+    hands.release(inside);
 
     inner.takesPresses = false;
-    hands.press({115.0f, 125.0f});
+    hands.press(inside);
     EXPECT_EQ(outer.take(), "down 15,25");
     EXPECT_EQ(frame.captured(), &outer);
     hands.release({0.0f, 0.0f});
-    hands.wheel({115.0f, 125.0f}, 1.0f);
+    hands.wheel(inside, 1.0f);
     EXPECT_EQ(outer.take(), "up, wheel");
 
     inner.setVisible(false);
-    hands.press({115.0f, 125.0f});
+    hands.press(inside);
     EXPECT_EQ(inner.take(), "up, down 5,5, wheel, left");
 }
 
 TEST_F(Frames, aPressKeepsTheMouseUntilItsOwnButtonIsReleased)
 {
-    hands.press({115.0f, 125.0f});
-    hands.move({395.0f, 5.0f});
-    hands.press({395.0f, 5.0f}, {}, 1, MouseButton::right);
-    hands.release({395.0f, 5.0f}, MouseButton::right);
+    hands.press(inside);
+    hands.click({395.0f, 5.0f}, MouseButton::right);
     EXPECT_EQ(frame.captured(), &inner);
     hands.release({395.0f, 5.0f});
     EXPECT_EQ(inner.take(), "entered, down 5,5, drag 285,-115, up");
@@ -61,26 +58,26 @@ TEST_F(Frames, aPressKeepsTheMouseUntilItsOwnButtonIsReleased)
     EXPECT_EQ(inner.take(), "left") << "hovering stood still during the drag";
 
     // The release got lost, as when another program took the mouse.
-    hands.press({115.0f, 125.0f});
+    hands.press(inside);
     inner.take();
-    hands.press({115.0f, 125.0f});
+    hands.press(inside);
     EXPECT_EQ(inner.take(), "lost, down 5,5");
 }
 
 TEST_F(Frames, viewsThatAreDisabledHiddenRemovedOrGoneGetNothingMore)
 {
     inner.focusable = true;
-    hands.press({115.0f, 125.0f});
+    hands.press(inside);
     inner.take();
     inner.setEnabled(false);
     EXPECT_EQ(inner.take(), "lost, blur, left");
-    hands.release({115.0f, 125.0f});
-    hands.press({115.0f, 125.0f});
+    hands.release(inside);
+    hands.press(inside);
     EXPECT_EQ(frame.captured(), &outer);
-    hands.release({115.0f, 125.0f});
+    hands.release(inside);
 
     inner.setEnabled(true);
-    hands.press({115.0f, 125.0f});
+    hands.press(inside);
     inner.take();
     auto removed = outer.remove(inner);
     EXPECT_EQ(static_cast<Recorder&>(*removed).take(), "lost, blur, left");
@@ -92,7 +89,7 @@ TEST_F(Frames, viewsThatAreDisabledHiddenRemovedOrGoneGetNothingMore)
 
     // Destroyed with its parent in mid-drag.
     auto& next = outer.emplace<Recorder>(Rect{10.0f, 20.0f, 50.0f, 50.0f});
-    hands.press({115.0f, 125.0f});
+    hands.press(inside);
     ASSERT_EQ(frame.captured(), &next);
     frame.content().remove(outer).reset();
     EXPECT_EQ(frame.captured(), nullptr);
@@ -120,7 +117,7 @@ TEST_F(Frames, aHandlerMayRemoveTheViewInWhichItRuns)
     EXPECT_EQ(outer.children().size(), 1u);
 
     inner.onPress = [this] { frame.discard(outer.remove(inner)); };
-    hands.press({115.0f, 125.0f});
+    hands.press(inside);
     EXPECT_EQ(frame.captured(), nullptr) << "what has left cannot hold the mouse";
     EXPECT_EQ(inner.take(), "entered, down 5,5, left") << "it lives until the end of the pump";
     hands.wait(0.0);
@@ -132,20 +129,20 @@ TEST_F(Frames, aPressBesideAMenuOnlyClosesItAndBesideABoxDoesNothing)
     hands.press({310.0f, 210.0f});
     hands.release({310.0f, 210.0f});
     EXPECT_EQ(menu.take(), "entered, down 10,10, up");
-    hands.press({115.0f, 125.0f});
+    hands.press(inside);
     EXPECT_FALSE(frame.hasOverlay());
     EXPECT_EQ(dismissals, 1);
     EXPECT_EQ(inner.take(), "");
-    hands.release({115.0f, 125.0f});
+    hands.release(inside);
     hands.wait(0.0);
 
     auto& box = overlay(true);
-    hands.press({115.0f, 125.0f});
-    hands.wheel({115.0f, 125.0f}, 1.0f);
+    hands.press(inside);
+    hands.wheel(inside, 1.0f);
     hands.move({116.0f, 125.0f});
     EXPECT_TRUE(frame.hasOverlay());
     EXPECT_EQ(outer.take(), "");
-    EXPECT_TRUE(hands.key(Key::down)) << "a box swallows keys";
+    EXPECT_TRUE(hands.keys("Down")) << "a box swallows keys";
     frame.dismissOverlay(box);
     EXPECT_EQ(dismissals, 1) << "who takes it down himself knows";
     overlay(true);
@@ -158,7 +155,7 @@ TEST_F(Frames, anOverlayEndsTheDragAndTakesTheRelease)
 {
     Recorder* menu = nullptr;
     inner.onPress = [&] { menu = &overlay(false, {110.0f, 120.0f, 80.0f, 80.0f}); };
-    hands.press({115.0f, 125.0f});
+    hands.press(inside);
     EXPECT_EQ(frame.captured(), nullptr);
     EXPECT_EQ(inner.take(), "entered, down 5,5, lost");
     hands.move({120.0f, 140.0f});
@@ -178,16 +175,16 @@ TEST_F(Frames, theFocusWalksInOrderAndComesBackAfterABox)
     outer.focusable = inner.focusable = true;
     auto& last = frame.content().emplace<Recorder>(Rect{0.0f, 0.0f, 10.0f, 10.0f});
     last.focusable = true;
-    EXPECT_FALSE(hands.key(Key::tab)) << "keys stay with the host";
+    EXPECT_FALSE(hands.keys("Tab")) << "keys stay with the host";
     frame.setKeyboardMode(true);
     EXPECT_TRUE(window.keysWanted());
     std::vector<View*> order;
     for (int i = 0; i < 4; ++i) {
-        hands.key(Key::tab);
+        hands.keys("Tab");
         order.push_back(frame.focus());
     }
     EXPECT_THAT(order, testing::ElementsAre(&outer, &inner, &last, &outer));
-    hands.key(Key::tab, {true, false, false});
+    hands.keys("Shift+Tab");
     EXPECT_EQ(frame.focus(), &last);
 
     last.takesKeys = false;
@@ -198,7 +195,7 @@ TEST_F(Frames, theFocusWalksInOrderAndComesBackAfterABox)
     frame.setFocus(&box);
     hands.type("y");
     EXPECT_EQ(box.seen.back(), "key y");
-    hands.key(Key::tab);
+    hands.keys("Tab");
     EXPECT_EQ(frame.focus(), &box) << "the focus stays inside";
     frame.dismissOverlay(box);
     EXPECT_EQ(frame.focus(), &last);
@@ -214,7 +211,7 @@ TEST_F(Frames, theFocusWalksInOrderAndComesBackAfterABox)
 TEST_F(Frames, aTooltipComesAfterARestAndGoesWithAPress)
 {
     outer.hint = "Cutoff";
-    hands.move({115.0f, 125.0f});
+    hands.move(inside);
     hands.wait(0.5);
     hands.move({116.0f, 125.0f});
     hands.wait(0.5);

@@ -1,5 +1,6 @@
 #include "tests/gui/canvasRig.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -10,6 +11,7 @@ namespace tolm::gui {
 
 namespace {
 
+using testing::Each;
 using Bytes = std::vector<std::uint8_t>;
 
 // Opaque and clear pixels and one between, which survives premultiplication exactly.
@@ -103,13 +105,13 @@ TEST(Bmp, liesAboutSizesGiveEmptyPictures)
     for (const auto& [width, height] : cases)
         EXPECT_TRUE(decodeBmp(bitmap(width, height, 24, 16)).isEmpty()) << width << ' ' << height;
     EXPECT_TRUE(decodeBmp(bitmap(2, 2, 8, 16)).isEmpty());
-    Bytes compressed = bitmap(2, 2, 24, 16);
+    const Bytes good = bitmap(2, 2, 24, 16);
+    Bytes compressed = good;
     compressed[30] = 1;
     EXPECT_TRUE(decodeBmp(compressed).isEmpty());
-    Bytes farAway = bitmap(2, 2, 24, 16);
+    Bytes farAway = good;
     put32(farAway, 10, 0xFFFFFFF0u);
     EXPECT_TRUE(decodeBmp(farAway).isEmpty());
-    const Bytes good = bitmap(2, 2, 24, 16);
     for (std::size_t length = 0; length < good.size(); ++length)
         EXPECT_TRUE(decodeBmp(std::span(good).first(length)).isEmpty());
 }
@@ -121,17 +123,11 @@ TEST(Canvas, picturesKeepTheirMeanWhenScaledAndBlendByOpacity)
         for (int x = 0; x < 64; ++x)
             board.row(y)[static_cast<std::size_t>(x)] =
                 (x + y) % 2 != 0 ? 0xFFFFFFFFu : 0xFF000000u;
-    const Image small = scaleImage(board, 16, 16);
-    for (std::uint32_t pixel : small.pixels())
-        EXPECT_EQ(pixel, 0xFF808080u);
+    EXPECT_THAT(scaleImage(board, 16, 16).pixels(), Each(0xFF808080u));
     Image flat(3, 2);
     std::fill(flat.pixels().begin(), flat.pixels().end(), 0xFF123456u);
-    for (const auto& [w, h] : {std::pair{17, 1}, {1, 9}, {2, 2}, {40, 40}}) {
-        const Image scaled = scaleImage(flat, w, h);
-        ASSERT_EQ(scaled.pixels().size(), static_cast<std::size_t>(w * h));
-        for (std::uint32_t pixel : scaled.pixels())
-            ASSERT_EQ(pixel, 0xFF123456u);
-    }
+    for (const auto& [w, h] : {std::pair{17, 1}, {1, 9}, {2, 2}, {40, 40}})
+        EXPECT_THAT(scaleImage(flat, w, h).pixels(), Each(0xFF123456u)) << w << ' ' << h;
 
     CanvasRig rig;
     rig.canvas.fillRect({0, 0, 32, 32}, Color::rgb(0));

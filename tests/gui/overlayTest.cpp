@@ -7,8 +7,6 @@
 #include "gui/TextEdit.h"
 #include "tests/gui/frameRig.h"
 
-#include <gtest/gtest.h>
-
 #include <filesystem>
 #include <fstream>
 #include <unistd.h>
@@ -19,11 +17,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-class Overlays : public testing::Test {
+class Overlays : public FrameTest {
 protected:
-    HeadlessWindow window{{800.0f, 500.0f}, 1.0f};
-    Frame& frame = window.frame();
-    Hands hands{window};
+    Overlays() : FrameTest({800.0f, 500.0f}) {}
+
     fs::path root = fs::path(testing::TempDir()) / ("tolm-files-" + std::to_string(getpid()));
     fs::path chosen;
     int cancels = 0;
@@ -33,10 +30,9 @@ protected:
         fs::create_directories(root / "bank" / "deep");
         fs::create_directories(root / ".hidden");
         for (const char* name : {"b.fxp", "A.FXP", "c.fxb", "readme.txt", ".d.fxp"})
-            write(name);
+            std::ofstream(root / name) << "12345678";
     }
     void TearDown() override { fs::remove_all(root); }
-    void write(const std::string& name) { std::ofstream(root / name) << "12345678"; }
 
     FileDialog& show(FileRequest::Kind kind, std::string name = {})
     {
@@ -67,17 +63,15 @@ TEST_F(Overlays, theDialogListsFoldersAndFilesOfOneKind)
     EXPECT_EQ(labels(dialog.list()), "bank/ A.FXP b.fxp ");
     EXPECT_EQ(dialog.list().rows()[1].detail, "8 B");
     EXPECT_EQ(dialog.places().rows()[0].label, "bank");
-    window.pump();
 
-    hands.key(Key::down);
-    hands.key(Key::enter);
+    hands.keys("Down Enter");
     EXPECT_EQ(dialog.folder(), root / "bank");
-    hands.key(Key::backspace);
+    hands.keys("Backspace");
     EXPECT_EQ(dialog.folder(), root);
     EXPECT_EQ(dialog.list().selection(), 0) << "where one came from";
     hands.type("b.");
     EXPECT_EQ(dialog.nameField().text(), "b.fxp");
-    hands.key(Key::enter);
+    hands.keys("Enter");
     EXPECT_EQ(chosen, root / "b.fxp");
     EXPECT_FALSE(frame.hasOverlay());
     hands.wait(0.0);
@@ -103,7 +97,7 @@ TEST_F(Overlays, typedNamesMayBePathsAndLackTheExtension)
     hands.wait(0.0);
 
     show(FileRequest::Kind::open);
-    hands.key(Key::escape);
+    hands.keys("Escape");
     EXPECT_EQ(cancels, 1);
     EXPECT_FALSE(frame.hasOverlay());
     hands.wait(0.0);
@@ -113,20 +107,19 @@ TEST_F(Overlays, savingAddsTheExtensionAndAsksBeforeItReplaces)
 {
     FileDialog& dialog = show(FileRequest::Kind::save, "b");
     EXPECT_EQ(frame.focus(), &dialog.nameField());
-    hands.key(Key::enter);
+    hands.keys("Enter");
     EXPECT_TRUE(chosen.empty());
-    hands.key(Key::escape);
+    hands.keys("Escape");
     hands.wait(0.0);
     ASSERT_TRUE(frame.hasOverlay()) << "the question was answered with no, the dialog stays";
     EXPECT_EQ(frame.focus(), &dialog.nameField());
-    hands.key(Key::enter);
-    hands.key(Key::enter);
+    hands.keys("Enter Enter");
     EXPECT_EQ(chosen, root / "b.fxp");
     hands.wait(0.0);
 
     FileDialog& again = show(FileRequest::Kind::save, "New One.fxp");
     hands.type("x/y");
-    hands.key(Key::enter);
+    hands.keys("Enter");
     EXPECT_EQ(again.note(), "There is no such folder") << "typing replaced the offered name";
     again.nameField().setText("fresh.FXP");
     again.accept();
@@ -136,9 +129,8 @@ TEST_F(Overlays, savingAddsTheExtensionAndAsksBeforeItReplaces)
 
 TEST_F(Overlays, foldersThatCannotBeReadOrHoldTooMuchAreSaid)
 {
-    FolderListing none = listFolder(root / "missing", {});
-    EXPECT_FALSE(none.error.empty());
-    EXPECT_FALSE(listFolder(root / "b.fxp", {}).error.empty());
+    for (const char* name : {"missing", "b.fxp"})
+        EXPECT_FALSE(listFolder(root / name, {}).error.empty());
     for (std::size_t i = 0; i < FolderListing::kMaxItems + 10; ++i)
         std::ofstream(root / "bank" / (std::to_string(i) + ".fxp"));
     const FolderListing many = listFolder(root / "bank", ".fxp");
@@ -148,7 +140,7 @@ TEST_F(Overlays, foldersThatCannotBeReadOrHoldTooMuchAreSaid)
     FileDialog& dialog = show(FileRequest::Kind::open);
     dialog.goTo(root / "bank");
     EXPECT_EQ(dialog.note(), "Too many entries: not all are shown");
-    hands.key(Key::end);
+    hands.keys("End");
     window.pump();
     EXPECT_GT(dialog.list().scrollOffset(), 90'000.0f);
     fs::remove_all(root / "bank");
@@ -161,40 +153,28 @@ TEST_F(Overlays, foldersThatCannotBeReadOrHoldTooMuchAreSaid)
 TEST_F(Overlays, aBoxIsAnsweredOnceByKeysOrButtons)
 {
     std::vector<int> answers;
-    const auto ask = [&] {
+    const auto ask = [&]() -> Message& {
         MessageRequest request;
         request.title = "Initialise?";
         request.text = "The program will be lost.";
         request.buttons = {"Cancel", "Initialise"};
         request.answered = [&](int button) { answers.push_back(button); };
-        return &Message::show(frame, std::move(request));
+        return Message::show(frame, std::move(request));
     };
     ask();
-    window.pump();
-    hands.key(Key::enter);
+    hands.keys("Enter");
     ask();
-    hands.key(Key::escape);
-    Message* box = ask();
-    const Point cancel = box->button(0).boundsInFrame().centre();
+    hands.keys("Escape");
+    const Point cancel = ask().button(0).boundsInFrame().centre();
     hands.press(cancel);
     hands.release({1.0f, 1.0f});
     EXPECT_EQ(answers.size(), 2u) << "a press that ends elsewhere is none";
     hands.click(cancel);
-    box = ask();
-    hands.key(Key::tab);
-    hands.key(Key::space);
+    ask();
+    hands.keys("Tab Space");
     EXPECT_EQ(answers, (std::vector<int>{1, 0, 0, 0}));
     EXPECT_FALSE(frame.hasOverlay());
     hands.wait(0.0);
-}
-
-TEST(FileSizes, readWell)
-{
-    EXPECT_EQ(fileSizeText(0), "0 B");
-    EXPECT_EQ(fileSizeText(999), "999 B");
-    EXPECT_EQ(fileSizeText(1840), "1.8 kB");
-    EXPECT_EQ(fileSizeText(235'680), "236 kB");
-    EXPECT_EQ(fileSizeText(999'999), "1.0 MB");
 }
 
 } // namespace

@@ -1,13 +1,11 @@
 #pragma once
-// One sheet with a bit of everything a canvas draws, as the window uses it. Logical size kSheet.
+// A bit of everything a canvas draws, as the window uses it: to clip and to time.
 
 #include "gui/Canvas.h"
 
 #include <numbers>
 
 namespace tolm::gui {
-
-inline constexpr Point kSheet{420.0f, 330.0f};
 
 namespace sheet {
 
@@ -19,7 +17,6 @@ inline constexpr Color kWell = Color::rgb(0x0F1216);
 inline constexpr Color kEdge = Color::rgb(0x2E3440);
 inline constexpr Color kAmber = Color::rgb(0xFFB454);
 inline constexpr Color kTeal = Color::rgb(0x4FD6BE);
-inline constexpr Color kRose = Color::rgb(0xFF7A90);
 inline constexpr Color kBlue = Color::rgb(0x6CA8FF);
 inline constexpr Color kViolet = Color::rgb(0xB48CFF);
 inline constexpr float kPi = std::numbers::pi_v<float>;
@@ -117,50 +114,6 @@ inline void curves(Canvas& canvas, const Rect& bounds)
     canvas.restore();
 }
 
-inline void texts(Canvas& canvas, Point at)
-{
-    float y = at.y;
-    for (float size : {9.0f, 9.5f, 10.5f, 11.5f, 17.0f}) {
-        y += size + 4;
-        canvas.text("Cutoff 12.45 kHz – Resonance, AVATo “fifi” → Größe", {at.x, y}, {size}, kText);
-    }
-    canvas.text("FILTER ENVELOPE", {at.x, y + 16}, {10.5f, FontWeight::semiBold, 0.9f}, kRose);
-    canvas.text("0123456789  111.11", {at.x + 130, y + 16}, {10.5f, FontWeight::medium, 0.0f, true},
-                kSecondary);
-    canvas.text("\xFF?\xE2\x82 中", {at.x + 250, y + 16}, {10.5f}, kSecondary);
-    canvas.textIn("A name that is too long for its field", {at.x + 300, y + 4, 100, 16}, {10.5f},
-                  kSecondary);
-}
-
 } // namespace sheet
-
-inline void drawPrimitives(Canvas& canvas)
-{
-    using namespace sheet;
-    canvas.fillRect({0, 0, kSheet.x, kSheet.y}, kBack);
-    panel(canvas, {8, 8, 404, 112}, "OSCILLATOR 1", kAmber);
-    knob(canvas, {38, 62}, 40, 0.7f, false, 0.15f, kAmber, "Detune");
-    knob(canvas, {98, 62}, 40, 0.3f, true, 0.0f, kTeal, "Fine");
-    knob(canvas, {158, 62}, 44, 1.0f, false, -0.4f, kBlue, "Level");
-    knob(canvas, {230, 62}, 60, 0.55f, false, 0.2f, kRose, "Cutoff");
-    button(canvas, {276, 34, 56, 18}, "Sync", true, kAmber);
-    button(canvas, {340, 34, 60, 18}, "Ring mod", false, kAmber);
-    button(canvas, {276, 58, 124, 18}, "Lowpass 24 dB  ▾", false, kAmber);
-    canvas.stroke(Path().moveTo({282, 100}).lineTo({292, 86}).lineTo({302, 100}).close(), {2.0f},
-                  kTeal);
-    canvas.stroke(Path().moveTo({312, 100}).lineTo({322, 86}).lineTo({332, 100}),
-                  {5.0f, LineCap::round}, kViolet.withAlpha(0.6f));
-    canvas.line({342, 100}, {398, 86}, 1.0f, kText);
-    canvas.fillRect(canvas.snap({342, 105, 56, 1}), kText);
-    panel(canvas, {8, 126, 404, 92}, "ENVELOPE", kBlue);
-    curves(canvas, {16, 152, 190, 58});
-    canvas.fillRoundRect(
-        {216, 152, 88, 58}, 5,
-        Paint::radial({260, 181}, 50, {{0.0f, Color::rgb(0x2A3850)}, {1.0f, kWell}}));
-    canvas.fillRoundRect(
-        {312, 152, 92, 58}, 5,
-        Paint::linear({312, 152}, {404, 210}, {{0.0f, kAmber}, {0.5f, kRose}, {1.0f, kViolet}}));
-    texts(canvas, {12, 220});
-}
 
 } // namespace tolm::gui

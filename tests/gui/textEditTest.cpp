@@ -3,98 +3,74 @@
 #include "gui/textWrap.h"
 #include "tests/gui/frameRig.h"
 
-#include <gtest/gtest.h>
-
 namespace tolm::gui {
 
 namespace {
 
-class TextEdits : public testing::Test {
+class TextEdits : public FrameTest {
 protected:
-    // Before the window: a field commits when its window goes.
+    TextEdits() : FrameTest({400.0f, 300.0f}) {}
+    void TearDown() override { frame.setFocus(nullptr); } // a field commits at the latest now
+
+    // With the focus.
+    TextEdit& field(std::string_view text, std::size_t maxBytes = 40)
+    {
+        return show({10.0f, 10.0f, 200.0f, 24.0f}, {false, maxBytes, false, {}, {}}, text);
+    }
+    TextEdit& several()
+    {
+        return show({10.0f, 50.0f, 120.0f, 60.0f}, {true, 400, false, {}, {}}, {});
+    }
+
     std::vector<std::string> commits;
     int cancels = 0;
-    HeadlessWindow window{{400.0f, 300.0f}, 1.0f};
-    Frame& frame = window.frame();
-    Hands hands{window};
 
-    TextEdit& field(TextEdit::Options options, Rect bounds = {10.0f, 10.0f, 200.0f, 24.0f})
+private:
+    TextEdit& show(Rect bounds, TextEdit::Options options, std::string_view text)
     {
         auto& edit = frame.content().emplace<TextEdit>(bounds, std::move(options));
-        edit.committed = [this](const std::string& text) { commits.push_back(text); };
+        edit.committed = [this](const std::string& written) { commits.push_back(written); };
         edit.cancelled = [this] { ++cancels; };
+        edit.setText(text);
+        frame.setFocus(&edit);
         return edit;
-    }
-    TextEdit& field(std::size_t maxBytes = 40)
-    {
-        TextEdit::Options options;
-        options.maxBytes = maxBytes;
-        return field(std::move(options));
-    }
-    TextEdit& text()
-    {
-        TextEdit::Options options;
-        options.multiLine = true;
-        return field(std::move(options), {10.0f, 50.0f, 120.0f, 60.0f});
     }
 };
 
-constexpr Modifiers kShift{true, false, false};
-constexpr Modifiers kControl{false, true, false};
-
 TEST_F(TextEdits, typingSelectingAndDeletingKeepWholeCharacters)
 {
-    TextEdit& edit = field();
-    edit.setText("B\u00E4ss \u20AC");
-    frame.setFocus(&edit);
+    TextEdit& edit = field("B\u00E4ss \u20AC");
     EXPECT_TRUE(window.keysWanted());
-    hands.key(Key::end);
-    hands.key(Key::backspace);
-    EXPECT_EQ(edit.text(), "B\u00E4ss ");
-    hands.key(Key::home);
-    hands.key(Key::right);
-    hands.key(Key::right, kShift);
-    EXPECT_EQ(edit.buffer().selectedText(), "\u00E4");
-    hands.type("a");
-    EXPECT_EQ(edit.text(), "Bass ");
-    hands.key(Key::end, kShift);
-    hands.key(Key::deleteForward);
-    EXPECT_EQ(edit.text(), "Ba");
-    hands.type(" low end");
-    hands.key(Key::backspace, kControl);
-    EXPECT_EQ(edit.text(), "Ba low ");
-    hands.key(Key::left, kControl);
-    hands.key(Key::deleteForward);
-    EXPECT_EQ(edit.text(), "Ba ow ");
-    hands.control('q');
-    EXPECT_EQ(edit.text(), "Ba ow ") << "commands type nothing";
+    const std::pair<const char*, const char*> steps[] = {
+        {"End Backspace", "B\u00E4ss "},   {"Home Right Shift+Right a", "Bass "},
+        {"Shift+End Delete", "Ba"},        {"Space l o w Space e n d Control+Backspace", "Ba low "},
+        {"Control+Left Delete", "Ba ow "}, {"Control+q", "Ba ow "}, // commands type nothing
+    };
+    for (const auto& [keys, text] : steps) {
+        hands.keys(keys);
+        EXPECT_EQ(edit.text(), text) << keys;
+    }
 }
 
 TEST_F(TextEdits, commitsOnEnterAndWhenTheFocusGoesAndNotTwice)
 {
-    TextEdit& edit = field();
-    edit.setText("one");
-    frame.setFocus(&edit);
-    hands.type("!");
-    hands.key(Key::enter);
+    TextEdit& edit = field("one");
+    hands.keys("! Enter");
     EXPECT_EQ(commits, std::vector<std::string>{"one!"});
     EXPECT_EQ(frame.focus(), nullptr);
     EXPECT_FALSE(window.keysWanted());
 
     frame.setFocus(&edit);
-    hands.press({390.0f, 290.0f});
+    hands.click({390.0f, 290.0f});
     EXPECT_EQ(commits.size(), 1u) << "nothing was changed";
-    hands.release({390.0f, 290.0f});
     frame.setFocus(&edit);
     hands.type("?");
-    hands.press({390.0f, 290.0f});
+    hands.click({390.0f, 290.0f});
     EXPECT_EQ(commits.size(), 2u);
-    hands.release({390.0f, 290.0f});
 
     const std::string before = edit.text();
     frame.setFocus(&edit);
-    hands.type("gone");
-    hands.key(Key::escape);
+    hands.keys("g o n e Escape");
     EXPECT_EQ(edit.text(), before);
     EXPECT_EQ(cancels, 1);
     EXPECT_EQ(commits.size(), 2u);
@@ -107,77 +83,62 @@ TEST_F(TextEdits, whatIsBeingTypedIsKeptWhenTheWindowCloses)
                                                               TextEdit::Options{});
     edit.committed = [this](const std::string& written) { commits.push_back(written); };
     closing->frame().setFocus(&edit);
-    Hands(*closing).type("name");
+    Hands(closing.get()).type("name");
     closing.reset();
     EXPECT_EQ(commits, std::vector<std::string>{"name"});
 }
 
 TEST_F(TextEdits, neverHoldsMoreThanItMayAndCutsAtCharacters)
 {
-    TextEdit& edit = field(5);
-    edit.setText("abcd\u20AC");
+    TextEdit& edit = field("abcd\u20AC", 5);
     EXPECT_EQ(edit.text(), "abcd");
-    frame.setFocus(&edit);
     hands.type("ef");
     EXPECT_EQ(edit.text().size(), 5u);
     frame.host().copyToClipboard("\u20AC\u20AC\u20AC");
-    hands.control('a');
-    hands.control('v');
+    hands.keys("Control+a Control+v");
     EXPECT_EQ(edit.text(), "\u20AC");
-    // No room for what comes: the selection is not lost for nothing.
-    TextEdit& tiny = field(2);
-    tiny.setText("ab");
-    frame.setFocus(&tiny);
-    hands.control('a');
-    hands.control('v');
-    EXPECT_EQ(tiny.text(), "ab");
+    TextEdit& tiny = field("ab", 2);
+    hands.keys("Control+a Control+v");
+    EXPECT_EQ(tiny.text(), "ab") << "no room for what comes: the selection is not lost for nothing";
     tiny.setText("\xE2\x82");
-    hands.key(Key::left);
-    hands.key(Key::deleteForward);
+    hands.keys("Left Delete");
     EXPECT_EQ(tiny.text(), "") << "broken bytes can be deleted";
 }
 
 TEST_F(TextEdits, clipboardAndControlCharacters)
 {
-    TextEdit& edit = field();
-    edit.setText("alpha beta");
-    frame.setFocus(&edit);
-    hands.control('c');
+    TextEdit& edit = field("alpha beta");
+    hands.keys("Control+c");
     EXPECT_EQ(window.clipboard(), "") << "nothing selected";
-    hands.key(Key::end);
-    hands.key(Key::left, {true, true, false});
-    hands.control('x');
+    hands.keys("End Shift+Control+Left Control+x");
     EXPECT_EQ(window.clipboard(), "beta");
     EXPECT_EQ(edit.text(), "alpha ");
     frame.host().copyToClipboard("two\r\nlines\x01\x7F\t.");
-    hands.control('v');
+    hands.keys("Control+v");
     EXPECT_EQ(edit.text(), "alpha two lines .");
-    TextEdit& several = text();
-    frame.setFocus(&several);
-    hands.control('v');
-    EXPECT_EQ(several.text(), "two\nlines .");
+    TextEdit& text = several();
+    hands.keys("Control+v");
+    EXPECT_EQ(text.text(), "two\nlines .");
 }
 
 TEST_F(TextEdits, theMouseSelects)
 {
-    TextEdit& edit = field();
-    edit.setText("alpha beta");
-    const float width = measureText("alpha beta", frame.style().field);
-    hands.press({10.0f + 6.0f, 20.0f});
-    hands.move({10.0f + 6.0f + width + 30.0f, 20.0f});
+    TextEdit& edit = field("alpha beta");
+    const float left = 16.0f;
+    const float right = left + measureText("alpha beta", frame.style().field);
+    hands.press({left, 20.0f});
+    hands.move({right + 30.0f, 20.0f});
     EXPECT_EQ(edit.buffer().selectedText(), "alpha beta");
-    hands.release({300.0f, 20.0f});
-    hands.press({10.0f + 6.0f + width - 4.0f, 20.0f}, {}, 2);
-    hands.release({10.0f + 6.0f + width - 4.0f, 20.0f});
+    hands.release({right + 30.0f, 20.0f});
+    hands.press({right - 4.0f, 20.0f}, MouseButton::left, {}, 2);
+    hands.release({right - 4.0f, 20.0f});
     EXPECT_EQ(edit.buffer().selectedText(), "beta");
 
     // The context menu keeps the focus and the selection.
-    hands.press({40.0f, 20.0f}, {}, 1, MouseButton::right);
-    hands.release({40.0f, 20.0f}, MouseButton::right);
+    hands.click({40.0f, 20.0f}, MouseButton::right);
     ASSERT_TRUE(frame.hasOverlay());
     EXPECT_EQ(frame.focus(), &edit);
-    hands.type("cut");
-    hands.key(Key::enter);
+    hands.keys("c u t Enter");
     EXPECT_EQ(edit.text(), "alpha ");
     EXPECT_EQ(window.clipboard(), "beta");
     hands.wait(0.0);
@@ -186,14 +147,12 @@ TEST_F(TextEdits, theMouseSelects)
 
 TEST_F(TextEdits, aFieldThatGoesInTheMiddleOfItsCommitDoesNoHarm)
 {
-    TextEdit& edit = field();
+    TextEdit& edit = field({});
     edit.committed = [&](const std::string& written) {
         commits.push_back(written);
         frame.discard(frame.content().remove(edit));
     };
-    frame.setFocus(&edit);
-    hands.type("x");
-    hands.key(Key::enter);
+    hands.keys("x Enter");
     EXPECT_EQ(commits.size(), 1u);
     hands.wait(1.0);
     EXPECT_FALSE(window.keysWanted());
@@ -201,21 +160,17 @@ TEST_F(TextEdits, aFieldThatGoesInTheMiddleOfItsCommitDoesNoHarm)
 
 TEST_F(TextEdits, severalLinesWrapScrollAndMove)
 {
-    TextEdit& edit = text();
-    frame.setFocus(&edit);
-    hands.type("first");
-    hands.key(Key::enter);
+    TextEdit& edit = several();
+    hands.keys("f i r s t Enter");
     hands.type("second line that is too long for the width");
     EXPECT_TRUE(commits.empty());
     EXPECT_EQ(edit.text().find('\n'), 5u);
-    for (int i = 0; i < 10; ++i)
-        hands.key(Key::up);
+    hands.keys("Up Up Up Up Up Up Up");
     EXPECT_EQ(edit.buffer().caret(), 0u);
-    hands.key(Key::down);
+    hands.keys("Down");
     EXPECT_EQ(edit.buffer().caret(), 6u);
-    hands.key(Key::enter, kControl);
+    hands.keys("Control+Enter");
     EXPECT_EQ(commits.size(), 1u);
-    window.pump();
 }
 
 TEST(TextWrap, losesNothingAndFits)
@@ -223,9 +178,8 @@ TEST(TextWrap, losesNothingAndFits)
     const TextStyle style;
     const std::string text =
         "Brush \u2014 a  longer text,\n\nwith Donaudampfschifffahrtsgesellschaft in it ";
-    const auto lines = wrapText(text, style, 60.0f);
     std::size_t at = 0;
-    for (const TextLine& line : lines) {
+    for (const TextLine& line : wrapText(text, style, 60.0f)) {
         EXPECT_LE(at, line.begin);
         for (; at < line.begin; ++at)
             EXPECT_TRUE(text[at] == ' ' || text[at] == '\n') << at;

@@ -1,4 +1,4 @@
-// The window host with a plug-in that shows stripes.
+// The plug-in's window inside a host's, as tolm-window-host opens it.
 
 #include "gui/Image.h"
 #include "tests/gui/XServer.h"
@@ -17,9 +17,7 @@ namespace {
 
 int hostRuns(const std::string& arguments)
 {
-    const std::string command =
-        std::string(TOLM_WINDOW_HOST) + " " + arguments + " >/dev/null 2>&1";
-    return std::system(command.c_str());
+    return std::system((TOLM_WINDOW_HOST " " + arguments + " >/dev/null 2>&1").c_str());
 }
 
 TEST(WindowHost, opensShootsAndClosesInEveryOrder)
@@ -28,24 +26,26 @@ TEST(WindowHost, opensShootsAndClosesInEveryOrder)
     if (!server.isInstalled())
         GTEST_SKIP() << "Xvfb is not installed: windows are not tested";
     ASSERT_TRUE(server.runs());
-    const auto picture = std::filesystem::path(testing::TempDir()) /
-                         ("tolm-window-" + std::to_string(getpid()) + ".png");
-    const std::string plugin = TOLM_WINDOW_PLUGIN;
-    EXPECT_EQ(hostRuns(plugin + " --seconds 0.3 --shot " + picture.string()), 0);
-    std::ifstream file(picture, std::ios::binary);
+    const auto folder =
+        std::filesystem::path(testing::TempDir()) / ("tolm-window-" + std::to_string(getpid()));
+    std::filesystem::create_directory(folder);
+    setenv("XDG_CONFIG_HOME", folder.c_str(), 1); // not the settings of whoever tests
+    setenv("XDG_DATA_HOME", folder.c_str(), 1);
+    const std::string plugin = TOLM_PLUGIN;
+    EXPECT_EQ(hostRuns(plugin + " --seconds 0.3 --shot " + (folder / "shot.png").string()), 0);
+    std::ifstream file(folder / "shot.png", std::ios::binary);
     const std::vector<std::uint8_t> bytes(std::istreambuf_iterator<char>(file), {});
     const Image shown = decodePng(bytes);
-    ASSERT_EQ(shown.width(), 240);
-    ASSERT_EQ(shown.height(), 160);
-    EXPECT_EQ(shown.row(5)[5], 0xFF204060u);
-    EXPECT_EQ(shown.row(80)[120], 0xFFFFB454u);
-    std::filesystem::remove(picture);
+    ASSERT_EQ(shown.width(), 1120);
+    ASSERT_EQ(shown.height(), 720);
+    EXPECT_EQ(shown.row(360)[4], 0xFF14171Cu) << "the window's ground, beside the tabs";
 
     EXPECT_EQ(hostRuns(plugin + " --cycles 20 --seconds 0 --instances 2 --depth 32"), 0);
     EXPECT_EQ(hostRuns(plugin + " --cycles 5 --seconds 0.05 --parent-first"), 0);
     EXPECT_NE(hostRuns("/nothing.so"), 0);
     setenv("DISPLAY", ":32111", 1);
     EXPECT_NE(hostRuns(plugin + " --seconds 0"), 0);
+    std::filesystem::remove_all(folder);
 }
 
 } // namespace

@@ -317,22 +317,6 @@ TEST(WindowXcb, opensNothingWithoutADisplayOrInWhatIsNoWindow)
     EXPECT_FLOAT_EQ(displayScale(kSize), 1.0f);
 }
 
-TEST(WindowXcb, showsOnAServerOfSixteenBits)
-{
-    XServer server({}, "640x480x16");
-    if (!server.isInstalled())
-        GTEST_SKIP() << "Xvfb is not installed: windows are not tested";
-    ASSERT_TRUE(server.runs());
-    auto window = WindowXcb::open(0, kSize, 1.0f, "Test");
-    ASSERT_NE(window, nullptr);
-    window->frame().content().emplace<Picture>(Rect{0.0f, 0.0f, kSize.x, kSize.y});
-    for (int i = 0; i < 20; ++i) {
-        window->pump();
-        std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    }
-    EXPECT_TRUE(window->isAlive());
-}
-
 } // namespace
 
 } // namespace tolm::gui
