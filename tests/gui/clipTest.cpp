@@ -97,19 +97,6 @@ TEST(DirtyRegion, keepsEverythingItWasGivenInFewRectangles)
             EXPECT_FALSE(region.rects()[i].intersects(region.rects()[j]));
 }
 
-TEST(DirtyRegion, farApartStaysApartAndNeighboursJoin)
-{
-    DirtyRegion region;
-    region.add({0, 0, 10, 10});
-    region.add({500, 500, 10, 10});
-    EXPECT_EQ(region.rects().size(), 2u);
-    region.add({10, 0, 10, 10});
-    region.add({0, 0, 0, 50});
-    EXPECT_EQ(region.rects().size(), 2u);
-    region.clear();
-    EXPECT_TRUE(region.isEmpty());
-}
-
 } // namespace
 
 } // namespace tolm::gui

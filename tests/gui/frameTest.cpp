@@ -228,24 +228,6 @@ TEST_F(Frames, aTooltipComesAfterARestAndGoesWithAPress)
     EXPECT_EQ(window.picture(), without) << "once per visit";
 }
 
-TEST_F(Frames, tasksRunOutsideOfHandlersAndOnlyWhileTheirOwnerIsThere)
-{
-    std::string ran;
-    frame.later([&] {
-        ran += "a";
-        frame.later([&] { ran += "b"; });
-    });
-    frame.later(inner, [&] { ran += "c"; });
-    EXPECT_EQ(ran, "");
-    outer.remove(inner).reset();
-    hands.wait(0.0);
-    EXPECT_EQ(ran, "ab");
-    // One that never ends cannot hold the pump.
-    std::function<void()> again = [&] { frame.later(again); };
-    frame.later(again);
-    hands.wait(0.0);
-}
-
 TEST_F(Frames, onlyWhatIsDirtyIsPaintedAndOnlyOnce)
 {
     class Filled final : public View {

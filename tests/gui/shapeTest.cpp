@@ -15,29 +15,6 @@ namespace {
 
 constexpr float kPi = std::numbers::pi_v<float>;
 
-TEST(Path, boundsHoldEveryPointOfCurvesAndStartAnywhere)
-{
-    EXPECT_EQ(Path().bounds(), Rect{});
-    const Rect circle = Path::circle({-10, 20}, 5).bounds();
-    EXPECT_NEAR(circle.x, -15, 1e-4);
-    EXPECT_NEAR(circle.bottom(), 25, 1e-4);
-    EXPECT_EQ(Path::roundRect({3, 4, 20, 10}, 99).bounds().width, 20);
-    EXPECT_EQ(Path().moveTo({1, 1}).cubicTo({9, -7}, {0, 0}, {2, 2}).bounds(), (Rect{0, -7, 9, 9}));
-}
-
-TEST(Path, arcsFollowTheCircleInBothDirectionsAndJoinWhatIsThere)
-{
-    for (const auto& [from, to] : {std::pair{0.3f, 5.0f}, {4.0f, -1.0f}, {-20.0f, -21.0f}}) {
-        const Path path = Path().arc({2, 3}, 10, from, to);
-        const Point last = path.elements().back().points[2];
-        EXPECT_NEAR(last.x, 2 + 10 * std::cos(to), 1e-4);
-        EXPECT_NEAR(last.y, 3 + 10 * std::sin(to), 1e-4);
-    }
-    const Path pie = Path().moveTo({0, 0}).arc({0, 0}, 4, 0, kPi);
-    EXPECT_EQ(pie.elements()[1].verb, Path::Verb::line);
-    EXPECT_TRUE(Path().arc({0, 0}, 4, 0, std::numeric_limits<float>::infinity()).isEmpty());
-}
-
 TEST(Canvas, filledAndStrokedAreasAreWhatGeometrySays)
 {
     const Path square =

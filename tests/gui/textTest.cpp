@@ -85,30 +85,6 @@ TEST(Text, everyCharacterOfTheTablesIsThereInBothWeights)
     EXPECT_LT(fontMetrics(FontWeight::medium).descent, 0.0f);
 }
 
-TEST(Text, capitalsStandOnTheBaselineRowAndCentreInTheirBox)
-{
-    // Rows that have ink.
-    const auto rows = [](const CanvasRig& rig) {
-        std::pair<int, int> span{-1, -1};
-        for (int y = 0; y < rig.image.height(); ++y)
-            for (int x = 0; x < rig.image.width(); ++x)
-                if (rig.alphaAt(x, y) > 96) {
-                    span.first = span.first < 0 ? y : span.first;
-                    span.second = y;
-                }
-        return span;
-    };
-    for (float baseline : {19.6f, 20.0f, 20.4f}) {
-        CanvasRig rig;
-        rig.canvas.text("H", {4, baseline}, {11}, kWhite);
-        EXPECT_EQ(rows(rig).second, 19) << baseline;
-        EXPECT_EQ(rows(rig).first, 12);
-    }
-    CanvasRig rig(64, 32);
-    rig.canvas.textIn("HH", {0, 0, 64, 32}, {22}, kWhite, Align::centre);
-    EXPECT_EQ(rows(rig), std::pair(8, 23));
-}
-
 TEST(Text, whatDoesNotFitIsCutWithAnEllipsisInsideItsBox)
 {
     for (Align align : {Align::left, Align::centre, Align::right}) {

@@ -48,12 +48,6 @@ struct Setup {
     float scale;
 };
 
-void PrintTo(const Setup& setup, std::ostream* out)
-{
-    *out << (setup.shared ? "shared" : "sliced") << " depth " << setup.depth << " scale "
-         << setup.scale;
-}
-
 class WindowsXcb : public testing::TestWithParam<Setup> {
 protected:
     std::optional<XServer> server;
@@ -62,12 +56,9 @@ protected:
 
     void SetUp() override
     {
-        std::vector<std::string> arguments;
-        if (!GetParam().shared)
-            arguments = {"-extension", "MIT-SHM"};
-        server.emplace(arguments);
-        if (!server->isInstalled())
+        if (!XServer::isInstalled())
             GTEST_SKIP() << "Xvfb is not installed: windows are not tested";
+        server.emplace(GetParam().shared ? "" : "-extension MIT-SHM");
         ASSERT_TRUE(server->runs());
         parent.emplace(800, 600, GetParam().depth);
         reopen();
@@ -98,6 +89,17 @@ protected:
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }
     }
+    void click(float x, float y)
+    {
+        parent->press(device(x), device(y));
+        parent->release(device(x), device(y));
+        pumpAWhile();
+    }
+    bool takesKeys() const { return (parent->childEventMask() & XCB_EVENT_MASK_KEY_PRESS) != 0; }
+    void showMenu()
+    {
+        Menu::show(window->frame(), {{{1, "Entry", {}, false, true, {}, {}}}, {}, {}, {}});
+    }
     int device(float logical) const { return static_cast<int>(logical * GetParam().scale); }
     std::uint32_t onScreen(float x, float y) const
     {
@@ -111,15 +113,16 @@ protected:
     {
         return pumpUntil([&] { return onScreen(x, y) == color; });
     }
-    Picture& picture()
+    template <class T>
+    T& fill()
     {
-        return window->frame().content().emplace<Picture>(Rect{0.0f, 0.0f, kSize.x, kSize.y});
+        return window->frame().content().emplace<T>(Rect{0.0f, 0.0f, kSize.x, kSize.y});
     }
 };
 
 TEST_P(WindowsXcb, showsItsPictureInTheParentsDepthAndAfterEveryExposure)
 {
-    Picture& view = picture();
+    auto& view = fill<Picture>();
     EXPECT_EQ(window->sharesMemory(), GetParam().shared);
     EXPECT_EQ(parent->childDepth(), GetParam().depth);
     EXPECT_TRUE(shows(20.0f, 20.0f, 0xFF0000));
@@ -141,20 +144,20 @@ TEST_P(WindowsXcb, showsItsPictureInTheParentsDepthAndAfterEveryExposure)
 
 TEST_P(WindowsXcb, theMouseReachesViewsInLogicalCoordinates)
 {
-    auto& view = window->frame().content().emplace<Recorder>(Rect{0.0f, 0.0f, kSize.x, kSize.y});
-    const auto at = [this](float x) { return device(x); };
-    parent->press(at(40.0f), at(20.0f), 1, 0xFFFFFF00u);
+    auto& view = fill<Recorder>();
+    const int y = device(20.0f);
+    parent->press(device(40.0f), y, 1, 0xFFFFFF00u);
     pumpAWhile();
     EXPECT_EQ(view.take(), "entered, down 40,20");
     for (const float x : {50.0f, 60.0f, 72.0f})
-        parent->move(at(x), at(20.0f));
-    parent->release(at(72.0f), at(20.0f));
+        parent->move(device(x), y);
+    parent->release(device(72.0f), y);
     pumpAWhile();
     EXPECT_EQ(view.take(), "drag 72,20, up") << "moves are merged";
     // Wheel turns of one pump are one, and releases are none.
     for (int i = 0; i < 3; ++i) {
-        parent->press(at(40.0f), at(20.0f), 4);
-        parent->release(at(40.0f), at(20.0f), 4);
+        parent->press(device(40.0f), y, 4);
+        parent->release(device(40.0f), y, 4);
     }
     pumpAWhile();
     EXPECT_EQ(view.take(), "wheel");
@@ -166,11 +169,9 @@ TEST_P(WindowsXcb, keysAreTakenFromTheHostOnlyWhileSomebodyTypes)
                                                              TextEdit::Options{});
     pumpAWhile();
     parent->setFocus(parent->id());
-    EXPECT_EQ(parent->childEventMask() & XCB_EVENT_MASK_KEY_PRESS, 0u);
-    parent->press(device(30.0f), device(20.0f), 1, 0);
-    parent->release(device(30.0f), device(20.0f));
-    pumpAWhile();
-    EXPECT_NE(parent->childEventMask() & XCB_EVENT_MASK_KEY_PRESS, 0u);
+    EXPECT_FALSE(takesKeys());
+    click(30.0f, 20.0f);
+    EXPECT_TRUE(takesKeys());
     EXPECT_EQ(parent->focus(), window->id());
     parent->key(parent->codeOf('o'), XCB_MOD_MASK_SHIFT);
     parent->key(parent->codeOf('h'));
@@ -181,21 +182,19 @@ TEST_P(WindowsXcb, keysAreTakenFromTheHostOnlyWhileSomebodyTypes)
     // The user goes elsewhere and comes back with a press.
     parent->setFocus(parent->id());
     pumpAWhile();
-    parent->press(device(30.0f), device(20.0f));
-    parent->release(device(30.0f), device(20.0f));
-    pumpAWhile();
+    click(30.0f, 20.0f);
     EXPECT_EQ(parent->focus(), window->id());
     parent->key(parent->codeOf(0xFF0D));
     pumpAWhile();
-    EXPECT_EQ(parent->childEventMask() & XCB_EVENT_MASK_KEY_PRESS, 0u);
+    EXPECT_FALSE(takesKeys());
     EXPECT_EQ(parent->focus(), parent->id()) << "given back";
 }
 
 TEST_P(WindowsXcb, theParentMayGoFirst)
 {
-    Picture& view = picture();
+    auto& view = fill<Picture>();
     pumpAWhile();
-    Menu::show(window->frame(), {{{1, "Entry", {}, false, true, {}, {}}}, {}, {}, {}});
+    showMenu();
     parent->destroy();
     EXPECT_TRUE(pumpUntil([this] { return !window->isAlive(); }));
     view.change(Color::rgb(0xFFFFFF));
@@ -208,7 +207,7 @@ TEST_P(WindowsXcb, theParentMayGoFirst)
 
 TEST_P(WindowsXcb, closesInMidDragAndWithAMenuOpen)
 {
-    auto& view = window->frame().content().emplace<Recorder>(Rect{0.0f, 0.0f, kSize.x, kSize.y});
+    auto& view = fill<Recorder>();
     pumpAWhile();
     parent->press(device(40.0f), device(20.0f));
     pumpAWhile();
@@ -217,7 +216,7 @@ TEST_P(WindowsXcb, closesInMidDragAndWithAMenuOpen)
     parent->sync();
     EXPECT_EQ(parent->child(), 0u);
     reopen();
-    Menu::show(window->frame(), {{{1, "Entry", {}, false, true, {}, {}}}, {}, {}, {}});
+    showMenu();
     pumpAWhile();
     EXPECT_EQ(parent->focus(), window->id());
     window.reset();
@@ -227,7 +226,7 @@ TEST_P(WindowsXcb, closesInMidDragAndWithAMenuOpen)
 
 TEST_P(WindowsXcb, theServerGoingDoesNotTakeUsAlong)
 {
-    picture();
+    fill<Picture>();
     pumpAWhile();
     server.reset();
     for (int i = 0; i < 100 && window->isAlive(); ++i) {
@@ -276,7 +275,7 @@ TEST_P(WindowsXcb, twoHundredOpeningsLeaveNothingBehind)
     const std::size_t before = openFiles();
     for (int i = 0; i < 200; ++i) {
         reopen();
-        picture();
+        fill<Picture>();
         window->pump();
         if (i % 2 == 0)
             pumpAWhile();
@@ -298,9 +297,9 @@ INSTANTIATE_TEST_SUITE_P(Setups, WindowsXcb,
 
 TEST(WindowXcb, opensNothingWithoutADisplayOrInWhatIsNoWindow)
 {
-    XServer server;
-    if (!server.isInstalled())
+    if (!XServer::isInstalled())
         GTEST_SKIP() << "Xvfb is not installed: windows are not tested";
+    const XServer server;
     EXPECT_EQ(WindowXcb::open(0x7654321, kSize, 1.0f, "Test"), nullptr);
     EXPECT_EQ(WindowXcb::open(1, {}, 1.0f, "Test"), nullptr);
     EXPECT_NE(openWindow(nullptr, kSize, 1.0f, "Alone"), nullptr);
