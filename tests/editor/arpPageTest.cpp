@@ -236,20 +236,5 @@ TEST_F(ArpPage, aClipboardWithoutAPatternChangesNothing)
     EXPECT_THAT(rig.port.takeCalls(), IsEmpty());
 }
 
-TEST_F(ArpPage, thePlayingStepPaintsOnlyItsColumns)
-{
-    EditorMeters meters;
-    meters.arpStep = 4;
-    rig.paintedBy(meters);
-    meters.arpStep = 5;
-    const float left = notes.toFrame(notes.column(4).origin()).x;
-    for (const gui::Rect& rect : rig.paintedBy(meters)) {
-        if (rect.y < notes.boundsInFrame().y)
-            continue; // the ruler is small
-        EXPECT_GE(rect.x, left);
-        EXPECT_LE(rect.right(), left + 2 * CArpMainMMLane::kStepWidth);
-    }
-}
-
 } // namespace
 } // namespace tolm::test

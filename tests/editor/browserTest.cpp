@@ -18,14 +18,6 @@ struct BrowserRig : EditorRig {
     {
         return browser.names().rowPlace(index).moved(browser.names().boundsInFrame().origin());
     }
-    void setName(int program, std::string_view name)
-    {
-        ProgramRecord record = port.record(program);
-        record.name.fill('\0');
-        std::copy(name.begin(), name.end(), record.name.begin());
-        port.replaceProgram(program, record);
-        wait();
-    }
     CBrowser& browser = *find<CBrowser>("Browser");
     CBrowserModel& model = browser.model();
 };
@@ -115,7 +107,10 @@ TEST(Browser, followsTheProgramThatTheHostChooses)
 TEST(Browser, typingSearchesAllBanks)
 {
     BrowserRig rig;
-    rig.setName(300, "Zyxqv Lantern");
+    rig.port.setProgram(300);
+    rig.port.setProgramName("Zyxqv Lantern");
+    rig.port.setProgram(0);
+    rig.wait();
     rig.type("lantern zyx");
     ASSERT_EQ(rig.model.rows().size(), 1u);
     EXPECT_EQ(rig.port.currentProgram(), 0) << "found is not chosen";

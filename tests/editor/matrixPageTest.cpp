@@ -197,12 +197,9 @@ TEST_F(MatrixPage, theTickShowsWhatARowAddsAndPaintsOnlyItsCell)
     EXPECT_THAT(rig.paintedBy(meters), IsEmpty());
     EXPECT_FALSE(amount.tick()) << "no note sounds";
     meters.voices = 1;
-    const gui::Rect page = pagePlace(Page::matrix);
-    for (const gui::Rect& rect : rig.paintedBy(meters)) {
-        if (page.intersects(rect)) {
-            EXPECT_EQ(amount.boundsInFrame().intersection(rect), rect);
-        }
-    }
+    for (const gui::Rect& rect : rig.paintedBy(meters))
+        EXPECT_TRUE(!pagePlace(Page::matrix).intersects(rect) ||
+                    amount.boundsInFrame().intersection(rect) == rect);
     ASSERT_TRUE(amount.tick());
     EXPECT_NEAR(*amount.tick(), 76.0f + 36.5f, 0.01f);
     meters.rowSource[0] = -0.5f;
