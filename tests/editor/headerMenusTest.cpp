@@ -44,17 +44,17 @@ TEST(ProgramMenu, revertsTheWholeBankOnlyWhenAskedTwice)
 {
     MenuRig rig;
     for (const int changed : {0, 200, 383})
-        rig.port.replaceProgram(changed, rig.port.initialRecord());
+        rig.port.replaceProgram(changed, rig.port.factoryRecord(1));
     rig.program("revert all");
     rig.keys("Escape");
-    EXPECT_TRUE(rig.isInitial(200));
+    EXPECT_FALSE(rig.isFactory(200));
     rig.program("revert all");
     rig.keys("Enter");
     for (int program = 0; program < kProgramCount; ++program)
         ASSERT_TRUE(rig.isFactory(program)) << program;
     rig.click("Undo");
-    EXPECT_TRUE(rig.isInitial(0));
-    EXPECT_TRUE(rig.isInitial(383));
+    for (const int changed : {0, 200, 383})
+        EXPECT_FALSE(rig.isFactory(changed)) << changed;
 }
 
 TEST(ProgramMenu, renamesInPlaceOfTheField)

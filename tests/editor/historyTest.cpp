@@ -185,8 +185,9 @@ TEST(Programs, onlyOneWholeProgramIsPasted)
 {
     ActionsRig rig;
     const std::string text = *programText(rig.port.record(7));
+    const std::string two = text + text.substr(text.find("[[program]]"));
     const ProgramRecord before = rig.port.record(0);
-    for (const std::string& rubbish : {std::string(), std::string("hello"), text + text,
+    for (const std::string& rubbish : {std::string(), std::string("hello"), two, text + text,
                                        text.substr(0, text.size() / 2) + "\x01",
                                        std::string(100000, '['), std::string("\0\0", 2)})
         EXPECT_FALSE(pasteText(rig.port, rig.history, rubbish));

@@ -30,7 +30,7 @@ protected:
         fs::create_directories(root / "bank" / "deep");
         fs::create_directories(root / ".hidden");
         for (const char* name : {"b.fxp", "A.FXP", "c.fxb", "readme.txt", ".d.fxp"})
-            std::ofstream(root / name) << "12345678";
+            std::ofstream(root / name) << std::string(1960, 'x');
     }
     void TearDown() override { fs::remove_all(root); }
 
@@ -61,7 +61,7 @@ TEST_F(Overlays, theDialogListsFoldersAndFilesOfOneKind)
     FileDialog& dialog = show(FileRequest::Kind::open);
     EXPECT_EQ(dialog.folder(), root) << "the nearest folder that is there";
     EXPECT_EQ(labels(dialog.list()), "bank/ A.FXP b.fxp ");
-    EXPECT_EQ(dialog.list().rows()[1].detail, "8 B");
+    EXPECT_EQ(dialog.list().rows()[1].detail, "2.0 kB");
     EXPECT_EQ(dialog.places().rows()[0].label, "bank");
 
     hands.keys("Down Enter");
