@@ -1,7 +1,6 @@
 #include "editor/OfflinePort.h"
 
 #include "patch/chunkRecord.h"
-#include "patch/soundText.h"
 
 #include <algorithm>
 #include <cmath>
@@ -223,17 +222,6 @@ std::optional<std::string> OfflinePort::readUserFile(std::string_view name) cons
 void OfflinePort::writeUserFile(std::string_view name, std::string_view text)
 {
     userFiles.insert_or_assign(std::string(name), std::string(text));
-}
-
-bool OfflinePort::loadSound(const std::string& toml)
-{
-    std::vector<Sound> sounds;
-    if (readSounds(toml, "sound", blankRecord(), sounds) || sounds.empty())
-        return false;
-    for (std::size_t i = 0; i < sounds.size(); ++i)
-        replaceProgram((program_ + static_cast<int>(i)) % kProgramCount, sounds[i].record);
-    rebuildPresetList();
-    return true;
 }
 
 } // namespace tolm

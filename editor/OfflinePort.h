@@ -78,10 +78,6 @@ public:
     std::map<std::string, std::string, std::less<>> userFiles;
     std::map<int, int> controllers; // parameter by controller
 
-    // Loads every program of a sound text, the first into the current one. False when the text
-    // cannot be read.
-    bool loadSound(const std::string& toml);
-
 private:
     void select(std::optional<int> program);
     void store(int id, float value);

@@ -93,12 +93,4 @@ void exchangeMatrixRows(MatrixRows& rows, int a, int b)
     std::swap(rows[static_cast<std::size_t>(a)], rows[static_cast<std::size_t>(b)]);
 }
 
-int firstUnusedRow(const MatrixRows& rows)
-{
-    const auto unused = std::find_if(rows.begin(), rows.end(), [](const MatrixRowValues& row) {
-        return truncated(row.source) == 0 && truncated(row.destination) == 0;
-    });
-    return unused != rows.end() ? static_cast<int>(unused - rows.begin()) : -1;
-}
-
 } // namespace tolm

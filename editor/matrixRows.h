@@ -35,7 +35,4 @@ void tidyMatrix(MatrixRows& rows);
 // is the routing, not the place it was in.
 void exchangeMatrixRows(MatrixRows& rows, int a, int b);
 
-// The first row without source and destination, or -1.
-int firstUnusedRow(const MatrixRows& rows);
-
 } // namespace tolm

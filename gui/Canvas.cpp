@@ -1,7 +1,6 @@
 #include "gui/Canvas.h"
 
 #include "gui/Raster.h"
-#include "gui/blend.h"
 
 #include <algorithm>
 #include <cmath>
@@ -243,39 +242,6 @@ void Canvas::line(Point from, Point to, float width, const Paint& paint)
                  paint);
     else
         stroke(Path::line(from, to), {width, LineCap::butt}, paint);
-}
-
-void Canvas::image(const Image& source, const Rect& box, float opacity)
-{
-    const auto coverage = static_cast<std::uint32_t>(
-        std::clamp(opacity * state().opacity, 0.0f, 1.0f) * 255.0f + 0.5f);
-    const Rect snapped = snap(box);
-    if (source.isEmpty() || coverage == 0 || box.isEmpty() || misses(snapped))
-        return;
-    const auto whole = [](float v) {
-        return static_cast<int>(rounded(std::clamp(v, -65536.0f, 65536.0f)));
-    };
-    const Point origin = toDevice(snapped.origin());
-    const int x = whole(origin.x);
-    const int y = whole(origin.y);
-    const int width = std::min(whole(snapped.width * scale_), Image::kMaxSide);
-    const int height = std::min(whole(snapped.height * scale_), Image::kMaxSide);
-    Image scaled;
-    const bool fits = source.width() == width && source.height() == height;
-    if (!fits)
-        scaled = scaleImage(source, width, height);
-    const Image& pixels = fits ? source : scaled;
-    const DeviceRect clip = deviceClip();
-    const int left = std::max(x, clip.left);
-    const int right = std::min(x + width, clip.right);
-    for (int row = std::max(y, clip.top); row < std::min(y + height, clip.bottom); ++row) {
-        const auto from = pixels.row(row - y);
-        const auto to = target_.row(row);
-        for (int column = left; column < right; ++column) {
-            std::uint32_t& pixel = to[static_cast<std::size_t>(column)];
-            pixel = over(pixel, scaledPixel(from[static_cast<std::size_t>(column - x)], coverage));
-        }
-    }
 }
 
 } // namespace tolm::gui

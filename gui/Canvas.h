@@ -63,10 +63,6 @@ public:
                 Align align = Align::left);
     float textWidth(std::string_view utf8, const TextStyle& style) const;
 
-    // Scaled to the box, whose edges are rounded to device pixels, as scaleImage() does; costs
-    // little when nothing has to be scaled.
-    void image(const Image& source, const Rect& box, float opacity = 1.0f);
-
 private:
     struct State {
         Point offset; // device pixels

@@ -13,8 +13,6 @@ namespace {
 
 constexpr double kTooltipRestSeconds = 0.6;
 constexpr double kHoverSeconds = 0.08;
-// Tasks that queue tasks run in the same pump, but not for ever.
-constexpr int kTaskRounds = 8;
 
 void collectFocusable(View& root, std::vector<View*>& found)
 {
@@ -42,7 +40,6 @@ Frame::Frame(FrameHost& host, Point size, float scale)
 Frame::~Frame()
 {
     dropCapture();
-    tasks_.clear();
     // What views do while they go must find a frame that is still whole.
     while (!overlays_.empty())
         graveyard_.push_back(takeOverlay(overlays_.size() - 1));
@@ -78,9 +75,6 @@ void Frame::forget(View& view)
     // The list is walked while handlers run: holes are closed afterwards.
     std::replace(animated_.begin(), animated_.end(), &view, static_cast<View*>(nullptr));
     std::erase_if(hoverFades_, [&view](const HoverFade& fade) { return fade.view == &view; });
-    for (Task& task : tasks_)
-        if (task.owner == &view)
-            task.owner = nullptr;
     for (Overlay& overlay : overlays_)
         if (overlay.focusBefore == &view)
             overlay.focusBefore = nullptr;
@@ -229,40 +223,17 @@ void Frame::animate(View& view)
         animated_.push_back(&view);
 }
 
-void Frame::later(std::function<void()> task)
-{
-    tasks_.push_back({nullptr, false, std::move(task)});
-}
-
-void Frame::later(View& owner, std::function<void()> task)
-{
-    tasks_.push_back({&owner, true, std::move(task)});
-}
-
 void Frame::tick()
 {
-    runTasks();
     const double now = host_.now();
     runAnimations(now);
     if (hoverStale_)
         hoverAgain();
     runHoverFades(now);
     tickTooltip(now);
-    runTasks();
     // A view's destructor may discard others.
     while (!graveyard_.empty())
         std::exchange(graveyard_, {}).clear();
-}
-
-void Frame::runTasks()
-{
-    for (int round = 0; round < kTaskRounds && !tasks_.empty(); ++round)
-        for (std::size_t count = tasks_.size(); count > 0 && !tasks_.empty(); --count) {
-            const Task task = std::move(tasks_.front());
-            tasks_.erase(tasks_.begin());
-            if (task.run && (!task.owned || task.owner != nullptr))
-                task.run();
-        }
 }
 
 void Frame::runAnimations(double now)

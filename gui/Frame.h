@@ -82,10 +82,6 @@ public:
     void requestKeys(View& view, bool want);
     // From now on the view's animate() is called once a pump, until it answers false.
     void animate(View& view);
-    // Runs after the current event, outside of any view's handler.
-    void later(std::function<void()> task);
-    // The same, but not when the owner has left the frame meanwhile.
-    void later(View& owner, std::function<void()> task);
 
     // Input, frame coordinates (logical).
     void mouseDown(MouseEvent event);
@@ -96,7 +92,7 @@ public:
     // False when nobody wanted it: it belongs to the host.
     bool keyDown(const KeyEvent& event);
 
-    // After the input of a pump: runs tasks, animations and the tooltip's clock, empties the
+    // After the input of a pump: runs animations and the tooltip's clock, empties the
     // graveyard.
     void tick();
     void invalidate(const Rect& rect) { dirty_.add(rect); }
@@ -111,11 +107,6 @@ private:
         std::unique_ptr<View> view;
         OverlayOptions options;
         View* focusBefore = nullptr;
-    };
-    struct Task {
-        View* owner = nullptr;
-        bool owned = false; // and dropped when the owner is gone
-        std::function<void()> run;
     };
     // How the pointer's light comes to a view or leaves it.
     struct HoverFade {
@@ -145,7 +136,6 @@ private:
     void tickTooltip(double now);
     void showTooltip(const std::string& text, const Rect& anchor);
     void hideTooltip();
-    void runTasks();
     void runAnimations(double now);
     void moveFocus(bool forwards);
     void updateKeys();
@@ -158,7 +148,6 @@ private:
     std::unique_ptr<View> content_;
     std::vector<Overlay> overlays_;
     std::vector<std::unique_ptr<View>> graveyard_;
-    std::vector<Task> tasks_;
     std::vector<View*> animated_;
     std::vector<HoverFade> hoverFades_;
     std::vector<View*> keyTakers_;

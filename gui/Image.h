@@ -33,14 +33,8 @@ private:
     std::vector<std::uint32_t> pixels_;
 };
 
-// Averages the source's pixels below each new one on the way down, and blends neighbours on the way
-// up. For pictures that are drawn often, to keep.
-Image scaleImage(const Image& source, int width, int height);
-
 // Damaged, unsupported or oversized (a side over Image::kMaxSide) data gives an empty image.
 Image decodePng(std::span<const std::uint8_t> bytes);
-// Uncompressed 24- or 32-bit Windows bitmaps, bottom-up or top-down.
-Image decodeBmp(std::span<const std::uint8_t> bytes);
 std::vector<std::uint8_t> encodePng(const Image& image);
 // False when the file cannot be written; then there is none.
 bool writePng(const Image& image, const std::filesystem::path& path);

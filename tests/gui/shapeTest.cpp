@@ -71,7 +71,6 @@ TEST(Canvas, nothingBreaksOnNumbersThatAreNone)
         rig.canvas.text("x", {v, v}, {10}, kWhite);
         rig.canvas.text("x", {3, 9}, {v}, kWhite);
         rig.canvas.textIn("x", {v, v, v, v}, {10}, kWhite, Align::centre);
-        rig.canvas.image(Image(3, 3), {v, 2, v, 3});
         rig.canvas.clip({v, 0, v, 9});
         rig.canvas.translate({v, v});
         rig.canvas.fillRect({1, 1, 9, 9}, kWhite);
