@@ -3,13 +3,16 @@
 
 #include "plugin/VstSynth.h"
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <cstring>
 #include <map>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tolm::test {
@@ -52,22 +55,6 @@ private:
     std::vector<std::string>& shown_;
 };
 
-class MemoryUserFiles final : public UserFiles {
-public:
-    std::optional<std::string> read(std::string_view name) override
-    {
-        const auto found = files_.find(name);
-        return found != files_.end() ? std::optional(found->second) : std::nullopt;
-    }
-    void write(std::string_view name, std::string_view text) override
-    {
-        files_.insert_or_assign(std::string(name), std::string(text));
-    }
-
-private:
-    std::map<std::string, std::string, std::less<>> files_;
-};
-
 // One rig at a time: the interface gives a host's callback nothing to tell its hosts apart before
 // the plug-in exists.
 class SynthRig {
@@ -77,8 +64,7 @@ public:
     {
         current() = this;
         synth = std::make_unique<VstSynth>(answer, std::make_unique<FakeSettings>(files),
-                                           std::make_unique<FakeMessages>(shownMessages),
-                                           std::make_unique<MemoryUserFiles>());
+                                           std::make_unique<FakeMessages>(shownMessages));
         synth->open();
     }
     SynthRig(const SynthRig&) = delete;
@@ -121,12 +107,40 @@ public:
         synth->processReplacing(nullptr, outputs, frames);
     }
 
-    std::vector<QueuedEvent> queued()
+    float peak() const
     {
-        std::vector<QueuedEvent> events;
-        for (int i = 0; i < core().queue().count(); ++i)
-            events.push_back(core().queue()[i]);
-        return events;
+        float highest = 0.0f;
+        for (const float sample : left)
+            highest = std::max(highest, std::abs(sample));
+        return highest;
+    }
+
+    // Frame, kind, key and velocity of what waits for the next block, and the stacked voices that
+    // it is for where these are not all.
+    std::string queued()
+    {
+        std::string text;
+        for (int i = 0; i < core().queue().count(); ++i) {
+            const QueuedEvent& event = core().queue()[i];
+            text += (i > 0 ? ", " : "") + std::to_string(event.offset);
+            text += event.status == kNoteOn ? " on " : " off ";
+            text += std::to_string(event.data1) + ' ' + std::to_string(event.data2);
+            if (event.tag != -1)
+                text += " for " + std::to_string(event.tag);
+        }
+        return text;
+    }
+
+    std::vector<std::uint8_t> savedChunk(bool single = false)
+    {
+        void* data = nullptr;
+        const std::int32_t size = synth->getChunk(&data, single);
+        const auto* bytes = static_cast<const std::uint8_t*>(data);
+        return {bytes, bytes + size};
+    }
+    std::int32_t load(const std::vector<std::uint8_t>& chunk, bool single = false)
+    {
+        return synth->setChunk(chunk.data(), static_cast<std::int32_t>(chunk.size()), single);
     }
 
     std::string display(int id, float value)
@@ -140,8 +154,7 @@ public:
     std::string vendor;
     SettingsFiles files;
     std::optional<vst2::VstTimeInfo> time;
-    std::vector<int> automated;
-    std::vector<std::string> told; // about edits and the window, in order
+    std::vector<std::string> told; // to the host about edits and the window, in order
     bool resizes = true;
     std::vector<std::array<int, 3>> sentMidi;
     int answerOfEvents = 0;
@@ -160,6 +173,10 @@ private:
                                 std::intptr_t value, void* pointer, float)
     {
         SynthRig& rig = *current();
+        const auto told = [&](const std::string& text, std::intptr_t answer = 1) {
+            rig.told.push_back(text);
+            return answer;
+        };
         switch (opcode) {
         case vst2::audioMasterVersion:
             return vst2::kInterfaceVersion;
@@ -169,21 +186,15 @@ private:
         case vst2::audioMasterGetTime:
             return rig.time ? reinterpret_cast<std::intptr_t>(&*rig.time) : 0;
         case vst2::audioMasterAutomate:
-            rig.automated.push_back(index);
-            rig.told.push_back("automate " + std::to_string(index));
-            return 0;
+            return told("automate " + std::to_string(index));
         case vst2::audioMasterBeginEdit:
-            rig.told.push_back("begin " + std::to_string(index));
-            return 1;
+            return told("begin " + std::to_string(index));
         case vst2::audioMasterEndEdit:
-            rig.told.push_back("end " + std::to_string(index));
-            return 1;
+            return told("end " + std::to_string(index));
         case vst2::audioMasterUpdateDisplay:
-            rig.told.push_back("display");
-            return 1;
+            return told("display");
         case vst2::audioMasterSizeWindow:
-            rig.told.push_back("size " + std::to_string(index) + " " + std::to_string(value));
-            return rig.resizes;
+            return told("size " + std::to_string(index) + " " + std::to_string(value), rig.resizes);
         case vst2::audioMasterProcessEvents: {
             const auto* events = static_cast<const vst2::VstEvents*>(pointer);
             vst2::VstMidiEvent event;

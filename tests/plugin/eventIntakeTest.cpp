@@ -2,44 +2,25 @@
 
 #include "plugin/eventIntake.h"
 #include "SynthRig.h"
+#include "plugin/catalogue.h"
 
 #include <gtest/gtest.h>
 
 namespace tolm {
-
-static bool operator==(const QueuedEvent& a, const QueuedEvent& b)
-{
-    return a.offset == b.offset && a.tag == b.tag && a.extra == b.extra && a.status == b.status &&
-           a.data1 == b.data1 && a.data2 == b.data2;
-}
-static std::ostream& operator<<(std::ostream& out, const QueuedEvent& e)
-{
-    return out << "{" << e.offset << ", " << e.tag << ", " << int{e.status} << ", " << int{e.data1}
-               << ", " << int{e.data2} << "}";
-}
-
 namespace {
 
 using test::SynthRig;
-using Events = std::vector<QueuedEvent>;
 
-TEST(EventIntake, queuesNotesOfAllChannelsInTheirOrder)
+TEST(EventIntake, queuesNotesOfAllChannelsInTheirOrderAndNothingElse)
 {
     SynthRig rig;
     rig.send({{30, 0x93, 60, 100}, {10, 0x8F, 60, 64}, {5, 0x90, 61, 0}, {0, 0x90, 64, 200}});
     EXPECT_EQ(rig.answerOfEvents, 1);
-    EXPECT_EQ(rig.queued(), (Events{{30, -1, 0, 0x90, 60, 100},
-                                    {10, -1, 0, 0x80, 60, 64},
-                                    {5, -1, 0, 0x90, 61, 0},
-                                    {0, -1, 0, 0x90, 64, 200}}));
+    EXPECT_EQ(rig.queued(), "30 on 60 100, 10 off 60 64, 5 on 61 0, 0 on 64 200");
     EXPECT_FALSE(rig.core().keyDown(64)); // a velocity byte of 200 is negative
-}
-
-TEST(EventIntake, ignoresWhatIsNoChannelMessage)
-{
-    SynthRig rig;
+    rig.core().queue().clear();
     rig.send({{0, 0x90, 60, 100, vst2::kSysExType}, {0, 0xA0, 60, 5}, {0, 0xF8, 0, 0}});
-    EXPECT_TRUE(rig.queued().empty());
+    EXPECT_EQ(rig.queued(), "");
     EXPECT_EQ(rig.synth->processEvents(nullptr), 1);
     vst2::VstEvents wrong;
     wrong.numEvents = -5;
@@ -56,10 +37,8 @@ TEST(EventIntake, countsEventsInEightBits)
         rig.send(list);
         EXPECT_EQ(rig.core().queue().count(), sent % 256);
         if (sent == 257) {
-            EXPECT_EQ(rig.queued(), (Events{{256, -1, 0, 0x90, 0, 3}}));
+            EXPECT_EQ(rig.queued(), "256 on 0 3");
         }
-        rig.process(16);
-        EXPECT_EQ(rig.core().queue().count(), 0);
     }
 }
 
@@ -86,17 +65,17 @@ TEST(EventIntake, movesControllersAtOnceAndKeepsTheQueue)
               {0, 0xB0, 64, 64},
               {0, 0xD0, 127, 0},
               {0, 0xB0, 74, 127}});
-    EXPECT_EQ(rig.queued().size(), 1u);
+    EXPECT_EQ(rig.queued(), "50 on 60 100");
     EXPECT_EQ(rig.record().modWheel, 1.0);
-    EXPECT_EQ(rig.core().storedValue(113), 1.0f);
+    EXPECT_EQ(rig.core().storedValue(kModWheel), 1.0f);
     EXPECT_EQ(rig.record().breath, 64.0 / 127.0);
     EXPECT_EQ(rig.record().foot, 32.0 / 127.0);
     EXPECT_EQ(rig.record().expression, 1.0 / 127.0);
     EXPECT_EQ(rig.record().aftertouch, 1.0);
     EXPECT_EQ(rig.record().sustainPedal, 64);
     EXPECT_FALSE(rig.record().releaseEnabled);
-    EXPECT_EQ(rig.core().storedValue(28), 1.0f);
-    EXPECT_TRUE(rig.automated.empty());
+    EXPECT_EQ(rig.core().storedValue(kFilterCutoff), 1.0f);
+    EXPECT_TRUE(rig.told.empty());
     rig.arp().currentStep = 9;
     rig.send({{0, 0xB0, 64, 63}, {0, 0xB0, 123, 0}});
     EXPECT_TRUE(rig.record().releaseEnabled);
@@ -106,16 +85,15 @@ TEST(EventIntake, movesControllersAtOnceAndKeepsTheQueue)
 TEST(EventIntake, bendsOverTheWholeRange)
 {
     SynthRig rig;
-    rig.send({{0, 0xE0, 0x7F, 0x7F}});
-    EXPECT_EQ(rig.record().bendRaw, 8191);
-    EXPECT_DOUBLE_EQ(rig.record().bendValue, 8191.0 / 8192.0);
-    rig.send({{0, 0xE0, 0, 0}});
-    EXPECT_EQ(rig.record().bendRaw, -8192);
-    EXPECT_EQ(rig.record().bendValue, -1.0);
-    rig.send({{0, 0xE0, 0, 0x40}});
-    EXPECT_EQ(rig.record().bendRaw, 0);
-    rig.send({{0, 0xE0, 255, 255}}); // malformed
-    EXPECT_GE(rig.record().bendRaw, -8192);
+    struct Row {
+        int low, high, raw;
+    };
+    // Data bytes of 128 and more are malformed and count as 0.
+    for (const Row& row : {Row{127, 127, 8191}, {0, 0, -8192}, {0, 64, 0}, {255, 255, -8192}}) {
+        rig.send({{0, 0xE0, row.low, row.high}});
+        EXPECT_EQ(rig.record().bendRaw, row.raw);
+        EXPECT_EQ(rig.record().bendValue, row.raw / 8192.0);
+    }
 }
 
 TEST(EventIntake, selectsProgramsAndBanks)
@@ -148,7 +126,6 @@ TEST(EventIntake, learnsAControllerAndMovesTheParameterAtOnce)
     rig.core().midiMap().armLearn(3);
     rig.synth->setParameter(3, 0.25f);
     rig.send({{0, 0xB0, 2, 127}});
-    EXPECT_EQ(rig.core().midiMap().controllerOf(3), 102);
     EXPECT_EQ(rig.core().midiMap().parameterOf(2), 3);
     EXPECT_EQ(rig.core().storedValue(3), 0.25f);
 }
@@ -160,6 +137,7 @@ protected:
         rig.arp().on = true;
         rig.arp().mode = mode;
         rig.record().monoMode = mono;
+        rig.core().queue().clear();
         rig.arp().phase = 77.0;
         rig.arp().tickCounter = 5;
     }
@@ -180,15 +158,14 @@ TEST_F(ArpIntake, holdsKeysInsteadOfPlayingThem)
     for (const auto mode : {ArpMode::simple, ArpMode::oneShot, ArpMode::chord, ArpMode::dynamic,
                             ArpMode::duophonic}) {
         start(mode);
-        rig.core().queue().clear();
         rig.send({{7, 0x90, 60, 100}});
         EXPECT_TRUE(restarted(7));
         rig.send({{9, 0x90, 64, 90}});
         EXPECT_EQ(rig.arp().restartOffset, -1);
-        EXPECT_TRUE(rig.queued().empty());
+        EXPECT_EQ(rig.queued(), "");
         EXPECT_EQ(rig.arp().held[60], 100);
         rig.send({{3, 0x90, 60, 0}, {4, 0x80, 64, 1}});
-        EXPECT_EQ(rig.queued(), (Events{{3, -1, 0, 0x80, 60, 0}, {4, -1, 0, 0x80, 64, 1}}));
+        EXPECT_EQ(rig.queued(), "3 off 60 0, 4 off 64 1");
         EXPECT_EQ(rig.arp().held[60] + rig.arp().held[64], 0);
     }
 }
@@ -201,18 +178,14 @@ TEST_F(ArpIntake, modulationModePlaysKeysAndRestartsAtEach)
     rig.send({{9, 0x90, 64, 90}});
     EXPECT_TRUE(restarted(9));
     rig.send({{3, 0x90, 60, 0}});
-    EXPECT_EQ(
-        rig.queued(),
-        (Events{{7, -1, 0, 0x90, 60, 100}, {9, -1, 0, 0x90, 64, 90}, {3, -1, 0, 0x90, 60, 0}}));
+    EXPECT_EQ(rig.queued(), "7 on 60 100, 9 on 64 90, 3 on 60 0");
 }
 
 TEST_F(ArpIntake, voiceModePlaysKeysOnTheEvenVoices)
 {
     start(ArpMode::voice);
     rig.send({{7, 0x90, 60, 100}, {8, 0x90, 50, 90}, {9, 0x80, 50, 0}});
-    EXPECT_EQ(
-        rig.queued(),
-        (Events{{7, 85, 0, 0x90, 60, 100}, {8, 85, 0, 0x90, 50, 90}, {9, -1, 0, 0x80, 50, 0}}));
+    EXPECT_EQ(rig.queued(), "7 on 60 100 for 85, 8 on 50 90 for 85, 9 off 50 0");
 }
 
 TEST_F(ArpIntake, voiceModeWithMonoHandsTheVoicesOn)
@@ -226,16 +199,17 @@ TEST_F(ArpIntake, voiceModeWithMonoHandsTheVoicesOn)
               {4, 0x80, 60, 0},
               {5, 0x80, 50, 0},
               {6, 0x80, 67, 0}});
-    EXPECT_EQ(rig.queued(), (Events{{1, 85, 0, 0x90, 60, 100},
-                                    {4, -1, 0, 0x80, 60, 0},
-                                    {5, 0, 0, 0x80, 50, 0},
-                                    {6, -1, 0, 0x80, 67, 0}}));
+    EXPECT_EQ(rig.queued(), "1 on 60 100 for 85, 4 off 60 0, 5 off 50 0 for 0, 6 off 67 0");
+    // What a key handed over before it was played sounds as its heir, and ends with it.
+    start(ArpMode::voice, true);
+    rig.send({{0, 0x90, 60, 100}, {2, 0x90, 67, 90}, {4, 0x80, 60, 0}});
+    EXPECT_EQ(rig.queued(), "0 on 67 100 for 85, 4 off 60 0 for 0");
 }
 
 class KeyboardDrain : public ArpIntake {
 protected:
     // The queue after notes of the on-screen keyboard were drained.
-    Events drained(std::initializer_list<SynthRig::Midi> notes)
+    std::string drained(std::initializer_list<SynthRig::Midi> notes)
     {
         rig.core().queue().clear();
         for (const SynthRig::Midi& note : notes)
@@ -246,26 +220,18 @@ protected:
     }
 };
 
-TEST_F(KeyboardDrain, queuesPlainNotesWithKeysKeptInRange)
-{
-    EXPECT_EQ(drained({{0, 0x90, 300, 100}, {0, 0x80, -4, 0}}),
-              (Events{{0, -1, 0, 0x90, 127, 100}, {0, -1, 0, 0x80, 0, 0}}));
-    EXPECT_TRUE(rig.core().keyDown(127));
-    EXPECT_TRUE(drained({}).empty());
-}
-
 TEST_F(KeyboardDrain, treatsTheArpeggiatorsModesInItsOwnWay)
 {
+    EXPECT_EQ(drained({{0, 0x90, 300, 100}, {0, 0x80, -4, 0}}), "0 on 127 100, 0 off 0 0");
+    EXPECT_TRUE(rig.core().keyDown(127));
     start(ArpMode::simple);
-    EXPECT_EQ(drained({{0, 0x90, 60, 100}, {0, 0x80, 60, 0}}), (Events{{0, -1, 0, 0x80, 60, 0}}));
+    EXPECT_EQ(drained({{0, 0x90, 60, 100}, {0, 0x80, 60, 0}}), "0 off 60 0");
     EXPECT_TRUE(restarted(0));
     start(ArpMode::voice, true); // no hand-over here
-    EXPECT_EQ(
-        drained({{0, 0x90, 60, 100}, {0, 0x90, 50, 90}, {0, 0x80, 50, 0}}),
-        (Events{{0, 85, 0, 0x90, 60, 100}, {0, 85, 0, 0x90, 50, 90}, {0, -1, 0, 0x80, 50, 0}}));
+    EXPECT_EQ(drained({{0, 0x90, 60, 100}, {0, 0x90, 50, 90}, {0, 0x80, 50, 0}}),
+              "0 on 60 100 for 85, 0 on 50 90 for 85, 0 off 50 0");
     start(ArpMode::modulation);
-    EXPECT_EQ(drained({{0, 0x90, 62, 100}, {0, 0x80, 62, 0}}),
-              (Events{{0, -1, 0, 0x90, 62, 100}, {0, -1, 0, 0x80, 62, 0}}));
+    EXPECT_EQ(drained({{0, 0x90, 62, 100}, {0, 0x80, 62, 0}}), "0 on 62 100, 0 off 62 0");
 }
 
 TEST_F(KeyboardDrain, keepsARunningPatternWhileKeysAreHeld)

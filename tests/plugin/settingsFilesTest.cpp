@@ -1,11 +1,9 @@
 // Settings in files: whole ones or none, whoever writes, is killed, or has no place to write to.
 
-#include "plugin/midiMap.h"
 #include "plugin/platform.h"
 
 #include <gtest/gtest.h>
 
-#include <array>
 #include <chrono>
 #include <csignal>
 #include <fcntl.h>
@@ -21,200 +19,160 @@
 namespace tolm {
 namespace {
 
+namespace fs = std::filesystem;
+using Bytes = std::vector<std::uint8_t>;
 using Scope = SettingsStore::Scope;
-
-std::vector<std::uint8_t> mapBytes(std::size_t size, std::uint8_t fill)
-{
-    return std::vector<std::uint8_t>(size, fill);
-}
 
 class SettingsFilesOnDisk : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        root_ = std::filesystem::path(TOLM_BUILD_DIR) / "settings-test";
-        std::filesystem::remove_all(root_);
-        std::filesystem::create_directories(root_);
+        root_ = fs::path(TOLM_BUILD_DIR) / "settings-test";
+        fs::remove_all(root_);
+        fs::create_directories(root_);
     }
-    void TearDown() override { std::filesystem::remove_all(root_); }
+    void TearDown() override { fs::remove_all(root_); }
 
+    static void write(SettingsStore& store, Scope scope, const Bytes& bytes)
+    {
+        store.write(scope, kKey, "1", bytes);
+    }
+    static std::optional<Bytes> read(SettingsStore& store, Scope scope)
+    {
+        Bytes bytes(260);
+        const std::optional<std::size_t> size = store.read(scope, kKey, "1", bytes);
+        if (!size)
+            return std::nullopt;
+        bytes.resize(*size);
+        return bytes;
+    }
     std::unique_ptr<SettingsStore> store() const
     {
         return fileSettingsStore(root_ / "machine", root_ / "user");
     }
-    std::optional<std::size_t> read(Scope scope, std::span<std::uint8_t> out) const
-    {
-        return store()->read(scope, kKey, "1", out);
-    }
-    std::filesystem::path file(const char* scope) const { return root_ / scope / kKey / "1"; }
+    void keep(const Bytes& bytes) const { write(*store(), Scope::user, bytes); }
+    std::optional<Bytes> kept() const { return read(*store(), Scope::user); }
+    fs::path file(const char* scope) const { return root_ / scope / kKey / "1"; }
 
     // The file itself included.
     std::ptrdiff_t filesBeside(const char* scope) const
     {
-        const auto folder = std::filesystem::directory_iterator(file(scope).parent_path());
-        return std::distance(begin(folder), end(folder));
+        return std::distance(fs::directory_iterator(file(scope).parent_path()), {});
+    }
+
+    // Another process, which writes until it is killed.
+    pid_t startWriter(const Bytes& bytes) const
+    {
+        const pid_t writer = ::fork();
+        if (writer == 0)
+            for (;;)
+                keep(bytes);
+        return writer;
+    }
+    static void killWriter(pid_t writer)
+    {
+        ::kill(writer, SIGKILL);
+        ::waitpid(writer, nullptr, 0);
     }
 
     static constexpr const char* kKey = "Some/Key With Blanks";
-    std::filesystem::path root_;
+    const Bytes ones_ = Bytes(128, 1);
+    const Bytes twos_ = Bytes(128, 2);
+    fs::path root_;
 };
 
 TEST_F(SettingsFilesOnDisk, writesWholeFilesAndNothingBesides)
 {
-    std::array<std::uint8_t, 260> out{};
-    EXPECT_FALSE(read(Scope::user, out));
-    EXPECT_FALSE(std::filesystem::exists(root_ / "user")) << "reading made a folder";
-    store()->write(Scope::user, kKey, "1", mapBytes(128, 7));
-    EXPECT_EQ(read(Scope::user, out), 128u);
-    EXPECT_EQ(out[127], 7);
-    EXPECT_EQ(out[128], 0);
-    EXPECT_FALSE(read(Scope::machine, out));
-    store()->write(Scope::user, kKey, "1", mapBytes(300, 8));
-    EXPECT_EQ(read(Scope::user, out), 260u);
+    EXPECT_FALSE(kept());
+    EXPECT_FALSE(fs::exists(root_ / "user")) << "reading made a folder";
+    keep(ones_);
+    EXPECT_EQ(kept(), ones_);
+    EXPECT_FALSE(read(*store(), Scope::machine));
+    keep(Bytes(300, 8));
+    EXPECT_EQ(kept(), Bytes(260, 8));
     EXPECT_EQ(filesBeside("user"), 1) << "a temporary file was left";
 }
 
 TEST_F(SettingsFilesOnDisk, livesWithoutAFolderAndWithOneThatIsInTheWay)
 {
-    std::array<std::uint8_t, 8> out{};
-    const auto nowhere = fileSettingsStore("", "");
-    nowhere->write(Scope::user, kKey, "1", mapBytes(8, 1));
-    EXPECT_FALSE(nowhere->read(Scope::user, kKey, "1", out));
-    const auto blocked = fileSettingsStore("/proc/none", root_);
-    blocked->write(Scope::machine, kKey, "1", mapBytes(8, 1));
-    EXPECT_FALSE(blocked->read(Scope::machine, kKey, "1", out));
-    std::filesystem::create_directories(file("user")); // a folder where the file should be
-    store()->write(Scope::user, kKey, "1", mapBytes(8, 1));
-    EXPECT_FALSE(read(Scope::user, out));
-    EXPECT_EQ(filesBeside("user"), 1);
-    std::filesystem::create_directories(file("machine").parent_path());
-    ASSERT_EQ(mkfifo(file("machine").c_str(), 0600), 0); // must not wait for a writer
-    EXPECT_EQ(read(Scope::machine, out).value_or(0), 0u);
-}
-
-TEST_F(SettingsFilesOnDisk, twoWritersLeaveOneOfTheirFilesWhole)
-{
-    store()->write(Scope::user, kKey, "1", mapBytes(128, 1));
-    const auto writer = [this](std::uint8_t fill) {
-        for (int i = 0; i < 10; ++i)
-            store()->write(Scope::user, kKey, "1", mapBytes(128, fill));
-    };
-    std::thread one(writer, std::uint8_t{1});
-    std::thread two(writer, std::uint8_t{2});
-    for (int i = 0; i < 50; ++i) {
-        std::array<std::uint8_t, 260> out{};
-        ASSERT_EQ(read(Scope::user, out), 128u);
-        for (std::size_t b = 1; b < 128; ++b)
-            ASSERT_EQ(out[b], out[0]);
+    const auto nowhere = fileSettingsStore("/proc/none", "");
+    for (const Scope scope : {Scope::machine, Scope::user}) {
+        write(*nowhere, scope, ones_);
+        EXPECT_FALSE(read(*nowhere, scope));
     }
-    one.join();
-    two.join();
+    fs::create_directories(file("user")); // a folder where the file should be
+    keep(ones_);
+    EXPECT_FALSE(kept());
+    EXPECT_EQ(filesBeside("user"), 1);
+    fs::create_directories(file("machine").parent_path());
+    ASSERT_EQ(mkfifo(file("machine").c_str(), 0600), 0); // must not wait for a writer
+    EXPECT_EQ(read(*store(), Scope::machine).value_or(Bytes{}), Bytes{});
 }
 
 TEST_F(SettingsFilesOnDisk, twoProcessesOneOfThemKilledLeaveAWholeFile)
 {
-    store()->write(Scope::user, kKey, "1", mapBytes(128, 1));
-    const pid_t writer = ::fork();
+    keep(ones_);
+    const pid_t writer = startWriter(twos_);
     ASSERT_GE(writer, 0);
-    if (writer == 0) // writes until it is killed
-        for (;;)
-            store()->write(Scope::user, kKey, "1", mapBytes(128, 2));
+    const auto isWhole = [this] {
+        const auto bytes = kept();
+        return bytes == ones_ || bytes == twos_;
+    };
     for (int i = 0; i < 30; ++i) {
-        store()->write(Scope::user, kKey, "1", mapBytes(128, 1));
-        std::array<std::uint8_t, 260> out{};
-        EXPECT_EQ(read(Scope::user, out), 128u);
-        EXPECT_EQ(out[0], out[127]);
+        keep(ones_);
+        EXPECT_TRUE(isWhole());
     }
-    ::kill(writer, SIGKILL);
-    ::waitpid(writer, nullptr, 0);
-    std::array<std::uint8_t, 260> out{};
-    EXPECT_EQ(read(Scope::user, out), 128u);
-    EXPECT_EQ(out[0], out[127]);
-    EXPECT_TRUE(out[0] == 1 || out[0] == 2);
+    killWriter(writer);
+    EXPECT_TRUE(isWhole());
 }
 
 TEST_F(SettingsFilesOnDisk, killedWritersLeaveNothingThatPilesUp)
 {
-    store()->write(Scope::user, kKey, "1", mapBytes(128, 1));
+    keep(ones_);
     for (int i = 0; i < 12; ++i) {
-        const pid_t writer = ::fork();
+        const pid_t writer = startWriter(Bytes(300, 2));
         ASSERT_GE(writer, 0);
-        if (writer == 0)
-            for (;;)
-                store()->write(Scope::user, kKey, "1", mapBytes(300, 2));
         std::this_thread::sleep_for(std::chrono::microseconds(1500 + 137 * i));
-        ::kill(writer, SIGKILL);
-        ::waitpid(writer, nullptr, 0);
+        killWriter(writer);
     }
     EXPECT_LE(filesBeside("user"), 2);
     std::ofstream(file("user").string() + ".new") << std::string(1000, 'x'); // cut off half way
-    store()->write(Scope::user, kKey, "1", mapBytes(128, 1));
-    std::array<std::uint8_t, 260> out{};
-    EXPECT_EQ(read(Scope::user, out), 128u);
-    EXPECT_EQ(out[127], 1);
+    keep(ones_);
+    EXPECT_EQ(kept(), ones_);
     EXPECT_EQ(filesBeside("user"), 1);
 }
 
 TEST_F(SettingsFilesOnDisk, aStuckWriterHoldsNobodyUpForLong)
 {
-    store()->write(Scope::user, kKey, "1", mapBytes(128, 1));
+    keep(ones_);
     const std::string draft = file("user").string() + ".new";
     const int stuck = ::open(draft.c_str(), O_WRONLY | O_CREAT, 0600);
     ASSERT_EQ(::flock(stuck, LOCK_EX), 0);
     const auto start = std::chrono::steady_clock::now();
-    store()->write(Scope::user, kKey, "1", mapBytes(128, 2));
+    keep(twos_);
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
     ::close(stuck);
-    std::array<std::uint8_t, 260> out{};
-    EXPECT_EQ(read(Scope::user, out), 128u);
-    EXPECT_EQ(out[0], 1) << "given up, and the old file is whole";
-    store()->write(Scope::user, kKey, "1", mapBytes(128, 3));
-    EXPECT_EQ(read(Scope::user, out), 128u);
-    EXPECT_EQ(out[0], 3);
+    EXPECT_EQ(kept(), ones_) << "given up, and the old file is whole";
+    keep(twos_);
+    EXPECT_EQ(kept(), twos_);
 }
 
-TEST_F(SettingsFilesOnDisk, mapsOfTooFewBytesAreNoMaps)
+TEST_F(SettingsFilesOnDisk, userFilesStayInTheirFolder)
 {
-    struct Row {
-        std::size_t machineBytes, userBytes;
-        int parameter;
-    };
-    for (const Row& row : {Row{128, 128, 2}, {129, 128, 2}, {127, 129, 3}, {127, 127, -1}}) {
-        SCOPED_TRACE(row.machineBytes);
-        const auto files = store();
-        constexpr const char* kMapKey = "Software/Corvane Audio/TOLM";
-        files->write(Scope::machine, kMapKey, "1", mapBytes(row.machineBytes, 2));
-        files->write(Scope::user, kMapKey, "1", mapBytes(row.userBytes, 3));
-        EXPECT_EQ(MidiMap(*files).parameterOf(0), row.parameter);
+    const auto files = folderUserFiles((root_ / "Tolm").string());
+    EXPECT_FALSE(files->read("favourites.txt"));
+    files->write("favourites.txt", "one\n");
+    files->write("favourites.txt", "two\n");
+    EXPECT_EQ(files->read("favourites.txt"), "two\n");
+    for (const char* name : {"", "../escaped", ".hidden", "a/b"}) {
+        files->write(name, "x");
+        EXPECT_FALSE(files->read(name)) << name;
     }
-}
-
-TEST_F(SettingsFilesOnDisk, homesThatAreMissingOrNotToBeWrittenKeepTheDefaults)
-{
-    std::filesystem::create_directories(root_ / "user");
-    std::filesystem::permissions(root_ / "user", std::filesystem::perms::owner_read |
-                                                     std::filesystem::perms::owner_exec);
-    for (const auto& folder :
-         {std::string(root_ / "user"), std::string("/proc/none"), std::string()}) {
-        const auto files = fileSettingsStore("", folder);
-        MidiMap map(*files);
-        map.forget(28);
-        map.storeIfChanged(); // must neither throw nor report
-        EXPECT_EQ(map.parameterOf(74), -1);
-        if (::geteuid() != 0 || folder.empty() || folder.starts_with("/proc")) {
-            EXPECT_EQ(MidiMap(*files).parameterOf(74), 28) << folder;
-        }
-    }
-    std::filesystem::permissions(root_ / "user", std::filesystem::perms::owner_all);
-}
-
-TEST_F(SettingsFilesOnDisk, aMapThatNobodyChangedCreatesNothing)
-{
-    const auto files = store();
-    MidiMap map(*files);
-    map.learn(20); // nothing was armed
-    map.storeIfChanged();
-    EXPECT_TRUE(std::filesystem::is_empty(root_));
+    EXPECT_EQ(std::distance(fs::directory_iterator(root_ / "Tolm"), {}), 1);
+    EXPECT_EQ(std::distance(fs::directory_iterator(root_), {}), 1);
+    std::ofstream(root_ / "Tolm" / "huge.txt") << std::string((1 << 20) + 1, 'x');
+    EXPECT_FALSE(files->read("huge.txt"));
+    EXPECT_FALSE(folderUserFiles("")->read("favourites.txt"));
 }
 
 } // namespace
