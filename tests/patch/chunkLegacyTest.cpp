@@ -172,16 +172,5 @@ TEST(LegacyChunk, replacesTheWholeStoreAndLoadsTheChosenProgramTwice)
         ASSERT_EQ(std::memcmp(&rig.store->record(p), &empty, sizeof empty), 0) << p;
 }
 
-TEST(LegacyChunk, leavesTheHostsBufferAlone)
-{
-    Rig rig;
-    ChunkBytes chunk(1, 5, 1104);
-    for (int id = 0; id < 258; ++id)
-        chunk.value(0, id, 0.01f * static_cast<float>(id));
-    const std::vector<std::uint8_t> before = chunk.bytes;
-    ASSERT_TRUE(rig.read(chunk, true).loaded);
-    EXPECT_EQ(chunk.bytes, before);
-}
-
 } // namespace
 } // namespace tolm

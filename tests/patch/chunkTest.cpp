@@ -5,7 +5,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <limits>
 
 namespace tolm {
@@ -69,22 +68,6 @@ TEST(Chunk, everyBankComesBackExactlyAndAlone)
             ASSERT_EQ(std::memcmp(&expected, &other.store->record(p), sizeof expected), 0) << p;
         }
     }
-}
-
-TEST(Chunk, aSavedProjectSurvivesTenThousandChanges)
-{
-    Rig rig;
-    ChunkBytes chunk(0);
-    chunk.bytes = rig.write();
-    ASSERT_TRUE(rig.read(chunk, false).loaded); // voice switches and the like are settled now
-    chunk.bytes = rig.write();
-    std::minstd_rand random(5);
-    for (int i = 0; i < 10000; ++i)
-        rig.store->setValue(static_cast<int>(random() % 128), static_cast<int>(random() % 329),
-                            static_cast<float>(random() % 100) / 99.0f);
-    ASSERT_NE(rig.write(), chunk.bytes);
-    ASSERT_TRUE(rig.read(chunk, false).loaded);
-    EXPECT_EQ(rig.write(), chunk.bytes);
 }
 
 struct Rejected {
@@ -175,8 +158,7 @@ TEST(ChunkReader, bankGoesWhereItsIndexOrTheFilePutsIt)
         {128, 16, 3, true, 1, 128},   {128, 11, 2, true, 1, 0},    {1, 16, 2, true, 1, 0},
     };
     for (const Row& row : rows) {
-        SCOPED_TRACE(::testing::PrintToString(row.index) + " of version " +
-                     std::to_string(row.version));
+        SCOPED_TRACE(std::to_string(row.index) + " of version " + std::to_string(row.version));
         Rig rig;
         rig.bank = row.currentBank;
         rig.fromFile = row.fromFile;
@@ -185,11 +167,7 @@ TEST(ChunkReader, bankGoesWhereItsIndexOrTheFilePutsIt)
         for (int p = 0; p < kProgramCount; ++p)
             ASSERT_EQ(rig.untouched(p), p < row.first || p >= row.first + row.count) << p;
     }
-}
-
-TEST(ChunkReader, moreProgramsThanTheStoreHoldsAreLeftOut)
-{
-    Rig rig;
+    Rig rig; // more programs than the store holds are left out
     ChunkBytes chunk(400);
     chunk.name(383, "the last").name(384, "one too many");
     ASSERT_TRUE(rig.read(chunk, false).loaded);
@@ -262,33 +240,8 @@ TEST(ChunkReader, onlyVersionTwoProgramsAskToBeSavedAgain)
             EXPECT_EQ(result.message, version == 2 && isPreset ? ChunkMessage::resaveOldProgram
                                                                : ChunkMessage::none);
         }
-    EXPECT_STREQ(chunkMessageText(ChunkMessage::veryOld), "Very Old patches are rejected.");
     EXPECT_STREQ(chunkMessageText(ChunkMessage::resaveOldProgram),
                  "Old patch: Please resave after conversion.");
-}
-
-TEST(ChunkReader, hostileRecordsEndInTextsThatEndAndFiniteValues)
-{
-    const float bad[] = {std::numeric_limits<float>::quiet_NaN(),
-                         std::numeric_limits<float>::infinity(), -1.0e38f, 3.0e38f, -1.0f / 3.0f};
-    for (int version = 2; version <= 16; ++version)
-        for (std::size_t each : {1840u, 1104u})
-            for (bool isPreset : {false, true}) {
-                Rig rig;
-                ChunkBytes chunk(3, version, each);
-                std::fill(chunk.bytes.begin() + 40, chunk.bytes.end(), 'x');
-                for (int id = 0; id < (each == 1840 ? 329 : 258); ++id)
-                    for (int record = 0; record < 3; ++record)
-                        chunk.value(record, id, bad[(id * 3 + record * 2 + version) % 5]);
-                const bool readable = isPreset || each == 1840;
-                ASSERT_EQ(rig.read(chunk, isPreset).loaded, readable);
-                for (int p = 0; p < 3; ++p) {
-                    EXPECT_LE(rig.store->name(p).size(), 31u);
-                    EXPECT_LE(rig.store->description(p).size(), 479u);
-                    for (int id = 0; id < 329; ++id)
-                        ASSERT_TRUE(std::isfinite(rig.store->value(p, id))) << version << ' ' << id;
-                }
-            }
 }
 
 } // namespace

@@ -291,39 +291,6 @@ TEST(SoundText, whatHasNoWordsIsRefusedAndNotLost)
     }
 }
 
-TEST(SoundText, damagedTextsAreAnsweredAndNeverFatal)
-{
-    std::mt19937 random(3);
-    std::string text;
-    const ProgramRecord record = randomRecord(random);
-    ASSERT_FALSE(writeSounds({&record, 1}, blankRecord(), 5, text));
-    int accepted = 0;
-    for (int round = 0; round < 1500; ++round) {
-        std::string damaged = text;
-        for (unsigned n = 1 + random() % 4; n > 0; --n) {
-            const std::size_t at = random() % damaged.size();
-            if (random() % 3 == 0)
-                damaged.erase(at, random() % 40);
-            else
-                damaged[at] = static_cast<char>(random());
-            if (damaged.empty())
-                damaged = " ";
-        }
-        std::vector<Sound> sounds;
-        const SoundTextStatus error = read(damaged, sounds);
-        accepted += !error;
-        if (error) {
-            EXPECT_THAT(error->text(), StartsWith(kFile));
-            EXPECT_EQ(error->text().find('\n'), std::string::npos);
-        }
-        for (const Sound& sound : sounds)
-            for (const float value : sound.record.values)
-                ASSERT_TRUE(value >= 0.0f && value <= 96.0f);
-    }
-    EXPECT_GT(accepted, 10);   // damage inside a description passes
-    EXPECT_LT(accepted, 1490); // and most other damage is seen
-}
-
 TEST(PatternText, takesTheArpeggiatorsKeysAndNoOthers)
 {
     const auto read = [](const std::string& lines, std::vector<Sound>& patterns) {
