@@ -16,14 +16,6 @@
 namespace tolm {
 namespace {
 
-std::string bigEndian(std::uint32_t value, int count)
-{
-    std::string bytes;
-    for (int i = count - 1; i >= 0; --i)
-        bytes.push_back(static_cast<char>(value >> (8 * i) & 0xFF));
-    return bytes;
-}
-
 std::string variableLength(std::uint32_t value)
 {
     std::string bytes(1, static_cast<char>(value & 0x7F));
@@ -124,13 +116,32 @@ Sound HostRig::readSound(const std::string& name) const
     return sound;
 }
 
-std::vector<Step> stepsOf(const std::vector<float>& signal, float tolerance)
+std::vector<Step> stepsOf(const std::vector<float>& signal)
 {
+    constexpr float kSmallest = 1e-4f;
     std::vector<Step> steps;
     for (std::size_t i = 0; i < signal.size(); ++i)
-        if (steps.empty() || std::abs(signal[i] - steps.back().value) > tolerance)
+        if (steps.empty() || std::abs(signal[i] - steps.back().value) > kSmallest)
             steps.push_back({i, signal[i]});
     return steps;
+}
+
+void expectSteps(const std::vector<float>& signal, const std::vector<Step>& expected)
+{
+    const std::vector<Step> found = stepsOf(signal);
+    ASSERT_EQ(found.size(), expected.size());
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+        EXPECT_EQ(found[i].frame, expected[i].frame) << "step " << i;
+        EXPECT_NEAR(found[i].value, expected[i].value, 1e-5) << "step " << i;
+    }
+}
+
+std::string bigEndian(std::uint32_t value, int count)
+{
+    std::string bytes;
+    for (int i = count - 1; i >= 0; --i)
+        bytes.push_back(static_cast<char>(value >> (8 * i) & 0xFF));
+    return bytes;
 }
 
 MidiTrack& MidiTrack::add(std::uint32_t delta, std::vector<std::uint8_t> message)

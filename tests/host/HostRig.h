@@ -52,8 +52,12 @@ struct Step {
     std::size_t frame;
     float value;
 };
-// The places where the signal changes by more than `tolerance`, first frame included.
-std::vector<Step> stepsOf(const std::vector<float>& signal, float tolerance = 1e-4f);
+// The places where the signal changes, first frame included.
+std::vector<Step> stepsOf(const std::vector<float>& signal);
+void expectSteps(const std::vector<float>& signal, const std::vector<Step>& expected);
+
+// As files of music and presets have their numbers.
+std::string bigEndian(std::uint32_t value, int bytes);
 
 // Standard MIDI Files, byte by byte.
 class MidiTrack {

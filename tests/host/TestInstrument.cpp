@@ -156,7 +156,7 @@ void takeEvents(Instrument& instrument, const VstEvents& list)
 }
 
 std::intptr_t dispatch(AEffect* effect, std::int32_t opcode, std::int32_t index,
-                                     std::intptr_t value, void* ptr, float opt)
+                       std::intptr_t value, void* ptr, float opt)
 {
     Instrument& instrument = self(effect);
     switch (opcode) {

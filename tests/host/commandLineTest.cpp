@@ -12,20 +12,12 @@ namespace {
 
 using ::testing::HasSubstr;
 
-std::string bigEndian(std::uint32_t value)
-{
-    std::string bytes;
-    for (int shift = 24; shift >= 0; shift -= 8)
-        bytes.push_back(static_cast<char>(value >> shift & 0xFF));
-    return bytes;
-}
-
 std::string presetFile(const std::string& kind, std::size_t nameBytes, const std::string& chunk,
                        const std::string& plugin = "Test")
 {
-    return "CcnK" + bigEndian(static_cast<std::uint32_t>(nameBytes + 24 + chunk.size())) + kind +
-           bigEndian(1) + plugin + bigEndian(1) + bigEndian(3) + std::string(nameBytes, '\0') +
-           bigEndian(static_cast<std::uint32_t>(chunk.size())) + chunk;
+    const auto number = [](std::size_t n) { return bigEndian(static_cast<std::uint32_t>(n), 4); };
+    return "CcnK" + number(nameBytes + 24 + chunk.size()) + kind + number(1) + plugin + number(1) +
+           number(3) + std::string(nameBytes, '\0') + number(chunk.size()) + chunk;
 }
 
 } // namespace
@@ -100,15 +92,12 @@ TEST(HostCommandLine, noteListsPlayChordsRestsAndVelocities)
     const HostRig rig;
     const Sound sound = rig.render("--rate 8000 --bits 32f --bpm 60 --notes "
                                    "'C4+E4@32 0.5, R 0.25,C#-1@127 .125, Bb3@64,C-1@1 2'");
-    const std::vector<Step> steps = stepsOf(sound.left, 1e-5f);
-    const std::vector<Step> expected = {{0, 64.0f / 127.0f},    {4000, 0.0f},
-                                        {6000, 1.0f},           {7000, 64.0f / 127.0f},
-                                        {15000, 1.0f / 127.0f}, {31000, 0.0f}};
-    ASSERT_EQ(steps.size(), expected.size());
-    for (std::size_t i = 0; i < steps.size(); ++i) {
-        EXPECT_EQ(steps[i].frame, expected[i].frame);
-        EXPECT_NEAR(steps[i].value, expected[i].value, 1e-6);
-    }
+    expectSteps(sound.left, {{0, 64.0f / 127.0f},
+                             {4000, 0.0f},
+                             {6000, 1.0f},
+                             {7000, 64.0f / 127.0f},
+                             {15000, 1.0f / 127.0f},
+                             {31000, 0.0f}});
     EXPECT_EQ(sound.left.size(), 31000u + 16000u);
 }
 

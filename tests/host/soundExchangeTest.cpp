@@ -31,73 +31,58 @@ description = "One plain tone."
 "Poly" = 0.25
 )";
 
-// The lines of a text, sorted: keys may change places.
-std::vector<std::string> lines(const std::string& text)
-{
-    std::vector<std::string> all;
-    for (std::size_t at = 0; at < text.size();) {
-        const std::size_t end = std::min(text.find('\n', at), text.size());
-        all.push_back(text.substr(at, end - at));
-        at = end + 1;
+class SoundExchange : public ::testing::Test {
+protected:
+    void convert(const std::string& arguments) const
+    {
+        const Outcome outcome = rig.runBank(arguments);
+        EXPECT_EQ(outcome.status, 0) << outcome.err;
     }
-    std::sort(all.begin(), all.end());
-    return all;
-}
-
-Sound played(const HostRig& rig, const std::string& arguments)
-{
-    const Outcome outcome =
-        rig.runPlain("--plugin " TOLM_PLUGIN " -o out.wav --notes 'A4 1' " + arguments);
-    EXPECT_EQ(outcome.status, 0) << outcome.err;
-    return rig.readSound("out.wav");
-}
-
-TEST(SoundExchange, aTextBecomesAProgramFileAndTheSameTextAgain)
-{
     const HostRig rig;
+};
+
+TEST_F(SoundExchange, aTextBecomesAProgramFileAndTheSameTextAgain)
+{
     rig.write("beep.toml", kBeep);
-    ASSERT_EQ(rig.runBank("fxp beep.toml -o first.fxp").status, 0);
+    convert("fxp beep.toml -o first.fxp");
     EXPECT_EQ(rig.read("first.fxp").size(), 235620u);
     EXPECT_EQ(rig.read("first.fxp").substr(28, 5), std::string("Beep\0", 5));
-    ASSERT_EQ(rig.runBank("text first.fxp -o once.toml").status, 0);
-    ASSERT_EQ(rig.runBank("fxp once.toml -o second.fxp").status, 0);
+    convert("text first.fxp -o once.toml");
+    convert("fxp once.toml -o second.fxp");
     EXPECT_TRUE(rig.read("first.fxp").substr(60) == rig.read("second.fxp").substr(60));
     EXPECT_THAT(rig.read("once.toml"), HasSubstr("\"PatchCategory\" = \"Leads\""));
 }
 
-TEST(SoundExchange, aBankKeepsItsSoundsInOrderAndLeavesOutFreePlaces)
+TEST_F(SoundExchange, aBankKeepsItsSoundsInOrderAndLeavesOutFreePlaces)
 {
-    const HostRig rig;
     const std::string text = std::string(kBeep) + "\n[[program]]\nname = \"Deep\"\n" +
                              "\"Volume\" = 0.25\n\"Arp On\" = true\n";
     rig.write("two.toml", text);
-    ASSERT_EQ(rig.runBank("fxb two.toml -o two.fxb").status, 0);
+    convert("fxb two.toml -o two.fxb");
     EXPECT_EQ(rig.read("two.fxb").size(), 235720u);
-    ASSERT_EQ(rig.runBank("text two.fxb -o again.toml").status, 0);
+    convert("text two.fxb -o again.toml");
     const std::string again = rig.read("again.toml");
     EXPECT_LT(again.find("Beep"), again.find("Deep"));
     EXPECT_EQ(again.find("Init"), again.npos) << again;
-    ASSERT_EQ(rig.runBank("fxb again.toml -o again.fxb").status, 0);
-    ASSERT_EQ(rig.runBank("text again.fxb -o third.toml").status, 0);
-    EXPECT_EQ(lines(rig.read("third.toml")), lines(again));
+    convert("fxb again.toml -o again.fxb");
+    convert("text again.fxb -o third.toml");
+    EXPECT_EQ(rig.read("third.toml"), again);
 }
 
-TEST(SoundExchange, anInitialPatchBesideTheTextFillsWhatItLeavesOut)
+TEST_F(SoundExchange, anInitialPatchBesideTheTextFillsWhatItLeavesOut)
 {
-    const HostRig rig;
     rig.write("init.toml", "[[program]]\nname = \"Start\"\n\"Volume\" = 0.75\n");
     rig.write("a.toml", "[[program]]\nname = \"A\"\n\"Filter Cutoff\" = 0.5\n");
-    ASSERT_EQ(rig.runBank("fxp a.toml -o a.fxp").status, 0);
-    ASSERT_EQ(rig.runBank("text a.fxp -o b.toml").status, 0);
+    convert("fxp a.toml -o a.fxp");
+    convert("text a.fxp -o b.toml");
     EXPECT_EQ(rig.read("b.toml").find("Volume"), std::string::npos);
     std::filesystem::create_directory(rig.path("elsewhere"));
-    ASSERT_EQ(rig.runBank("text a.fxp -o elsewhere/c.toml").status, 0);
+    convert("text a.fxp -o elsewhere/c.toml");
     EXPECT_THAT(rig.read("elsewhere/c.toml"), HasSubstr("\"Volume\" = 0.75"));
 }
 
-TEST(SoundExchange, badTextsAndFilesGetOneLineAndLeaveNothing)
+TEST_F(SoundExchange, badTextsAndFilesGetOneLineAndLeaveNothing)
 {
-    const HostRig rig;
     rig.write("key.toml", "[[program]]\nname = \"A\"\n\"Filter Cutof\" = 0.5\n");
     rig.write("value.toml", "[[program]]\nname = \"A\"\n\n\"Filter Cutoff\" = 1.5\n");
     rig.write("none.toml", "");
@@ -119,16 +104,18 @@ TEST(SoundExchange, badTextsAndFilesGetOneLineAndLeaveNothing)
     EXPECT_THAT(rig.files(), ElementsAre("key.toml", "noise.fxp", "none.toml", "value.toml"));
 }
 
-TEST(SoundExchange, tolmPlaysProgramAndBankFiles)
+TEST_F(SoundExchange, tolmPlaysProgramAndBankFiles)
 {
-    const HostRig rig;
     rig.write("beep.toml", kBeep);
-    ASSERT_EQ(rig.runBank("fxp beep.toml -o beep.fxp").status, 0);
-    ASSERT_EQ(rig.runBank("fxb beep.toml -o beep.fxb").status, 0);
+    convert("fxp beep.toml -o beep.fxp");
+    convert("fxb beep.toml -o beep.fxb");
     // Oscillators start anywhere, so the files are compared by pitch and not by sample: 440 Hz rise
     // through zero 110 times in a quarter of a second.
     for (const char* file : {"--program beep.fxp", "--bank beep.fxb --program Beep"}) {
-        const Sound sound = played(rig, file);
+        const Outcome outcome =
+            rig.runPlain("--plugin " TOLM_PLUGIN " -o out.wav --notes 'A4 1' " + std::string(file));
+        ASSERT_EQ(outcome.status, 0) << outcome.err;
+        const Sound sound = rig.readSound("out.wav");
         int rises = 0;
         for (std::size_t i = 11025; i < 22050; ++i)
             rises += sound.left[i - 1] < 0.0f && sound.left[i] >= 0.0f;
@@ -139,11 +126,10 @@ TEST(SoundExchange, tolmPlaysProgramAndBankFiles)
     EXPECT_THAT(list.out, StartsWith("   0  Beep\n"));
 }
 
-TEST(SoundExchange, aBankIsNoProgram)
+TEST_F(SoundExchange, aBankIsNoProgram)
 {
-    const HostRig rig;
     rig.write("beep.toml", kBeep);
-    ASSERT_EQ(rig.runBank("fxb beep.toml -o bank.fxp").status, 0); // misnamed
+    convert("fxb beep.toml -o bank.fxp"); // misnamed
     const Outcome outcome =
         rig.runPlain("--plugin " TOLM_PLUGIN " -o out.wav --notes A4 --program bank.fxp");
     EXPECT_NE(outcome.status, 0);

@@ -92,14 +92,9 @@ TEST(HostSoundFile, partsHaveInstancesOfTheirOwnAndAreMixed)
                                    "--part 'Lead=Quarter@-20' --program 1 --set Level=0.5");
     // Half a second a quarter: 50 frames a tick.
     const float pad0 = 0.25f, bass0 = 0.25f, lead0 = 0.0125f;
-    const std::vector<Step> steps = stepsOf(sound.left);
-    const std::vector<Step> expected = {
-        {0, bass0 + pad0}, {1200, bass0}, {2400, bass0 + lead0}, {4800, lead0}, {7200, 0.0f}};
-    ASSERT_EQ(steps.size(), expected.size());
-    for (std::size_t i = 0; i < steps.size(); ++i) {
-        EXPECT_EQ(steps[i].frame, expected[i].frame);
-        EXPECT_NEAR(steps[i].value, expected[i].value, 1e-6);
-    }
+    expectSteps(
+        sound.left,
+        {{0, bass0 + pad0}, {1200, bass0}, {2400, bass0 + lead0}, {4800, lead0}, {7200, 0.0f}});
     EXPECT_EQ(rig.read("plugin.log"), "closed\nclosed\nclosed\n");
 }
 

@@ -16,16 +16,6 @@ std::size_t frameOf(double seconds)
     return static_cast<std::size_t>(std::llround(seconds * kRate));
 }
 
-void expectSteps(const std::vector<float>& signal, const std::vector<Step>& expected)
-{
-    const std::vector<Step> found = stepsOf(signal);
-    ASSERT_EQ(found.size(), expected.size());
-    for (std::size_t i = 0; i < expected.size(); ++i) {
-        EXPECT_EQ(found[i].frame, expected[i].frame) << "step " << i;
-        EXPECT_NEAR(found[i].value, expected[i].value, 1e-5) << "step " << i;
-    }
-}
-
 // 120 beats per minute, from quarter 1.5 on 75, from quarter 4 on 200.
 std::string songWithTempoChanges()
 {

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 #include <memory>
 #include <vector>
@@ -77,13 +78,15 @@ TEST_F(Browser, categoryListIsSortedByNameOverAllBanks)
 
 TEST_F(Browser, emptyAndOverfullCategoriesAreBounded)
 {
-    ASSERT_TRUE(chooseCategory(browser, 5));
+    for (int position : {-1, 14, 1000})
+        EXPECT_FALSE(chooseCategory(browser, position));
+    ASSERT_TRUE(chooseCategory(browser, 13));
     EXPECT_EQ(rebuildPresetList(browser, *store, 0, 3), std::nullopt);
     EXPECT_TRUE(listed().empty());
     EXPECT_EQ(nextPreset(browser), std::nullopt);
     EXPECT_EQ(previousPreset(browser), std::nullopt);
     for (int p = 0; p < kProgramCount; ++p)
-        store->setValue(p, 322, p % 2 ? 5.0f : 0.0f);
+        store->setValue(p, 322, p % 2 ? 13.0f : 0.0f);
     EXPECT_EQ(rebuildPresetList(browser, *store, 0, 0), 1);
     ASSERT_EQ(listed().size(), 128u);
     for (int program : listed())
@@ -113,20 +116,13 @@ TEST_F(Browser, steppingStopsAtTheEndsOfTheList)
     EXPECT_EQ(previousPreset(browser), 382);
 }
 
-TEST(BrowserControls, bankControlHasThreePositions)
+TEST_F(Browser, bankControlHasThreePositions)
 {
-    const std::pair<float, int> rows[] = {{0.0f, 0},    {0.4f, 0},  {0.5f, 1},
-                                          {0.4996f, 1}, {0.99f, 1}, {0.9996f, 2},
-                                          {1.0f, 2},    {7.0f, 2},  {-5.0f, 0}};
+    const std::pair<float, int> rows[] = {{0.0f, 0},  {0.4f, 0},         {0.5f, 1}, {0.4996f, 1},
+                                          {0.99f, 1}, {0.9996f, 2},      {1.0f, 2}, {7.0f, 2},
+                                          {-5.0f, 0}, {std::nanf(""), 0}};
     for (auto [value, bank] : rows)
         EXPECT_EQ(bankFromControl(value), bank) << value;
-    EXPECT_EQ(bankFromControl(std::numeric_limits<float>::quiet_NaN()), 0);
-    PresetBrowser browser;
-    for (int position : {-1, 14, 1000})
-        EXPECT_FALSE(chooseCategory(browser, position));
-    EXPECT_EQ(browser.categoryFilter, 0);
-    EXPECT_TRUE(chooseCategory(browser, 13));
-    EXPECT_EQ(browser.categoryFilter, 13);
 }
 
 } // namespace

@@ -6,31 +6,25 @@
 #include <cstring>
 #include <memory>
 #include <random>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
 
 namespace tolm::test {
 
-inline void put32(std::vector<std::uint8_t>& bytes, std::size_t at, std::uint32_t value)
+// Chunks have the byte order of the machines that play them.
+template <class Number>
+void put(std::vector<std::uint8_t>& bytes, std::size_t at, Number value)
 {
-    for (std::size_t i = 0; i < 4; ++i)
-        bytes.at(at + i) = static_cast<std::uint8_t>(value >> (8 * i) & 0xFF);
-}
-
-inline void putFloat(std::vector<std::uint8_t>& bytes, std::size_t at, float value)
-{
-    std::uint32_t bits = 0;
-    std::memcpy(&bits, &value, sizeof bits);
-    put32(bytes, at, bits);
+    std::memcpy(std::span(bytes).subspan(at, sizeof value).data(), &value, sizeof value);
 }
 
 inline std::int32_t get32(const std::vector<std::uint8_t>& bytes, std::size_t at)
 {
-    std::uint32_t value = 0;
-    for (std::size_t i = 0; i < 4; ++i)
-        value |= static_cast<std::uint32_t>(bytes.at(at + i)) << (8 * i);
-    return static_cast<std::int32_t>(value);
+    std::int32_t value = 0;
+    std::memcpy(&value, std::span(bytes).subspan(at, sizeof value).data(), sizeof value);
+    return value;
 }
 
 struct ChunkBytes {
@@ -49,7 +43,7 @@ struct ChunkBytes {
     }
     ChunkBytes& field(std::size_t offset, std::int32_t value)
     {
-        put32(bytes, offset, static_cast<std::uint32_t>(value));
+        put(bytes, offset, value);
         return *this;
     }
     std::size_t recordOffset(int record) const
@@ -64,7 +58,7 @@ struct ChunkBytes {
     ChunkBytes& value(int record, int id, float v)
     {
         const std::size_t valuesAt = recordBytes == 1840 ? 512 : 32;
-        putFloat(bytes, recordOffset(record) + valuesAt + 4 * static_cast<std::size_t>(id), v);
+        put(bytes, recordOffset(record) + valuesAt + 4 * static_cast<std::size_t>(id), v);
         return *this;
     }
 };
@@ -78,6 +72,7 @@ inline std::vector<ProgramRecord> noise(unsigned seed)
             record.name[i] = static_cast<char>('a' + random() % 26);
         for (std::size_t i = 0; i < 400; ++i)
             record.description[i] = static_cast<char>(' ' + random() % 90);
+        record.reserved[3] = static_cast<std::uint8_t>(random());
         for (float& value : record.values)
             value = static_cast<float>(random() % 1001) / 1000.0f;
     }

@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 
 namespace tolm {
@@ -242,6 +243,28 @@ TEST(ChunkReader, onlyVersionTwoProgramsAskToBeSavedAgain)
         }
     EXPECT_STREQ(chunkMessageText(ChunkMessage::resaveOldProgram),
                  "Old patch: Please resave after conversion.");
+}
+
+TEST(ChunkReader, hostileRecordsEndInTextsThatEndAndFiniteValues)
+{
+    const float bad[] = {std::numeric_limits<float>::quiet_NaN(),
+                         std::numeric_limits<float>::infinity(), -1.0e38f, 3.0e38f, -1.0f / 3.0f};
+    for (int version = 2; version <= 16; ++version)
+        for (const std::size_t each : {1840u, 1104u}) {
+            Rig rig;
+            ChunkBytes chunk(3, version, each);
+            std::fill(chunk.bytes.begin() + 40, chunk.bytes.end(), 'x');
+            for (int id = 0; id < (each == 1840 ? 329 : 258); ++id)
+                for (int record = 0; record < 3; ++record)
+                    chunk.value(record, id, bad[(id * 3 + record * 2 + version) % 5]);
+            ASSERT_TRUE(rig.read(chunk, each == 1104).loaded);
+            for (int p = 0; p < 3; ++p) {
+                EXPECT_LE(rig.store->name(p).size(), 31u);
+                EXPECT_LE(rig.store->description(p).size(), 479u);
+                for (int id = 0; id < 329; ++id)
+                    ASSERT_TRUE(std::isfinite(rig.store->value(p, id))) << version << ' ' << id;
+            }
+        }
 }
 
 } // namespace

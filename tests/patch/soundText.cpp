@@ -44,20 +44,14 @@ ProgramRecord recordOf(const std::string& lines)
 // Values at the places where encodings could lose bits: exact words, plain floats, extremes.
 float randomValue(std::mt19937& random)
 {
-    switch (random() % 6) {
-    case 0:
-        return 0.0f;
-    case 1:
-        return 1.0f;
-    case 2:
-        return static_cast<float>(random() % 129) / 128.0f;
-    case 3:
-        return static_cast<float>(random() % 101) / 100.0f;
-    case 4:
-        return std::ldexp(static_cast<float>(random() % 1000), -30);
-    default:
-        return static_cast<float>(random() & 0xFFFFFF) / 16777216.0f;
-    }
+    const auto below = [&random](unsigned n) { return static_cast<float>(random() % n); };
+    const float values[] = {0.0f,
+                            1.0f,
+                            below(129) / 128.0f,
+                            below(101) / 100.0f,
+                            std::ldexp(below(1000), -30),
+                            below(1 << 24) / 16777216.0f};
+    return values[random() % std::size(values)];
 }
 
 int randomId(std::mt19937& random, std::span<const MenuEntry> menu)
@@ -150,37 +144,40 @@ TEST(SoundText, wordsStandForWhatTheEngineMakesOfTheirValues)
     const auto value = [](const std::string& line, int id) {
         return recordOf(line).values[static_cast<std::size_t>(id)];
     };
+    const struct {
+        const char* key;
+        int id;
+        int first, last;
+        const char *before, *after; // of the number
+        int (*engine)(float);
+    } numbers[] = {
+        {"Osc 1 Coarse", kOsc1Coarse, -36, 36, "", " st",
+         [](float v) { return static_cast<int>(v * 72.0f + 0.0001f) - 36; }},
+        {"Osc 1 Wave", kOsc1Wave, 0, kWaveCount - 1, "wave ", "",
+         [](float v) { return static_cast<int>(v * 128.0f + 0.001f); }},
+        {"Voices", kVoices, 1, kMaxStack, "", " voices",
+         [](float v) { return static_cast<int>(v * 128.0f) / 18 + 1; }},
+        {"Poly", kPolyphony, 8, 72, "", " voices",
+         [](float v) { return static_cast<int>(v * 64.0f) + 8; }},
+        {"Arp Steps", kArpStepCount, 1, kArpSteps, "", " steps",
+         [](float v) { return static_cast<int>(v * 31.0f) + 1; }},
+    };
+    const auto line = [](const char* key, const std::string& word) {
+        return '"' + std::string(key) + "\" = \"" + word + '"';
+    };
+    for (const auto& row : numbers)
+        for (int n = row.first; n <= row.last; ++n) {
+            const std::string text = line(row.key, row.before + std::to_string(n) + row.after);
+            EXPECT_EQ(row.engine(value(text, row.id)), n) << text;
+        }
     const char* shapes[] = {"Saw", "Pulse", "Sine", "Wavetbl"};
-    for (int k = 0; k < 4; ++k) {
-        const std::string line = std::string("\"Osc 2 Shape\" = \"") + shapes[k] + "\"";
-        EXPECT_EQ(static_cast<int>(value(line, kOsc2Shape) * 3.0f), k);
-    }
-    for (int semitones = -36; semitones <= 36; ++semitones) {
-        const std::string line = "\"Osc 1 Coarse\" = \"" + std::to_string(semitones) + " st\"";
-        EXPECT_EQ(static_cast<int>(value(line, kOsc1Coarse) * 72.0f + 0.0001f) - 36, semitones);
-    }
-    for (int wave = 0; wave < kWaveCount; ++wave) {
-        const std::string line = "\"Osc 1 Wave\" = \"wave " + std::to_string(wave) + "\"";
-        EXPECT_EQ(static_cast<int>(value(line, kOsc1Wave) * 128.0f + 0.001f), wave);
-    }
-    for (int voices = 1; voices <= kMaxStack; ++voices) {
-        const std::string line = "\"Voices\" = \"" + std::to_string(voices) + " voices\"";
-        EXPECT_EQ(static_cast<int>(value(line, kVoices) * 128.0f) / 18 + 1, voices);
-    }
-    for (int voices = 8; voices <= 72; ++voices) {
-        const std::string line = "\"Poly\" = \"" + std::to_string(voices) + " voices\"";
-        EXPECT_EQ(static_cast<int>(value(line, kPolyphony) * 64.0f) + 8, voices);
-    }
-    for (int steps = 1; steps <= kArpSteps; ++steps) {
-        const std::string line = "\"Arp Steps\" = \"" + std::to_string(steps) + " steps\"";
-        EXPECT_EQ(static_cast<int>(value(line, kArpStepCount) * 31.0f) + 1, steps);
-    }
+    for (int k = 0; k < 4; ++k)
+        EXPECT_EQ(static_cast<int>(value(line("Osc 2 Shape", shapes[k]), kOsc2Shape) * 3.0f), k);
     for (int i = 0; i <= 20; ++i) {
-        const std::string arp = std::string("\"Arp Rate\" = \"") + kArpLengths[i].name + "\"";
-        EXPECT_EQ(static_cast<int>(20.01f * value(arp, kArpRate)), i);
-        const std::string delay =
-            std::string("\"FX Delay Rate-L\" = \"") + kDelayLengths[i].name + "\"";
-        EXPECT_EQ(static_cast<int>(20.001f * value(delay, kDelayRateLeft)), i);
+        const float arp = value(line("Arp Rate", kArpLengths[i].name), kArpRate);
+        EXPECT_EQ(static_cast<int>(20.01f * arp), i);
+        const float delay = value(line("FX Delay Rate-L", kDelayLengths[i].name), kDelayRateLeft);
+        EXPECT_EQ(static_cast<int>(20.001f * delay), i);
     }
     EXPECT_EQ(value("\"Filter Type\" = \"LP Ladder 24dB\"", kFilterType), 7.0f);
     EXPECT_EQ(value("\"Arp Mode\" = \"Mode: Duophonic\"", kArpMode), 6.0f);
