@@ -138,6 +138,7 @@ protected:
         rig.arp().mode = mode;
         rig.record().monoMode = mono;
         rig.core().queue().clear();
+        rig.arp().held.fill(0);
         rig.arp().phase = 77.0;
         rig.arp().tickCounter = 5;
     }
@@ -204,6 +205,10 @@ TEST_F(ArpIntake, voiceModeWithMonoHandsTheVoicesOn)
     start(ArpMode::voice, true);
     rig.send({{0, 0x90, 60, 100}, {2, 0x90, 67, 90}, {4, 0x80, 60, 0}});
     EXPECT_EQ(rig.queued(), "0 on 67 100 for 85, 4 off 60 0 for 0");
+    start(ArpMode::voice, true); // an earlier stroke of that key has ended and stays its own
+    rig.send({{0, 0x90, 60, 9}, {1, 0x80, 60, 0}});
+    rig.send({{2, 0x90, 60, 9}, {3, 0x90, 67, 9}, {4, 0x80, 60, 0}});
+    EXPECT_EQ(rig.queued(), "0 on 60 9 for 85, 1 off 60 0, 2 on 67 9 for 85, 4 off 60 0 for 0");
 }
 
 class KeyboardDrain : public ArpIntake {

@@ -103,29 +103,15 @@ protected:
     std::filesystem::path settings_;
 };
 
-std::string outputOf(const std::string& command)
-{
-    std::string output;
-    FILE* pipe = popen(command.c_str(), "r");
-    if (pipe == nullptr)
-        return output;
-    std::array<char, 256> line;
-    while (std::fgets(line.data(), line.size(), pipe) != nullptr)
-        output += line.data();
-    pclose(pipe);
-    return output;
-}
-
 TEST_F(Boundary, exportsItsTwoEntriesAndNothingElse)
 {
     std::set<std::string> names;
-    const std::string list = outputOf("nm -D --defined-only '" + kPlugin + "'");
-    for (std::size_t begin = 0; begin < list.size();) {
-        const std::size_t end = list.find('\n', begin);
-        const std::string line = list.substr(begin, end - begin);
-        names.insert(line.substr(line.rfind(' ') + 1));
-        begin = end + 1;
-    }
+    FILE* list = popen(("nm -D --defined-only '" + kPlugin + "'").c_str(), "r");
+    ASSERT_NE(list, nullptr);
+    char name[256];
+    while (std::fscanf(list, "%*s %*s %255s", name) == 1)
+        names.insert(name);
+    pclose(list);
     EXPECT_EQ(names, (std::set<std::string>{"Main", "VSTPluginMain"}));
 }
 
@@ -142,6 +128,9 @@ TEST_F(Boundary, declaresItsIdentityAndLayout)
     EXPECT_EQ(effect_->ioRatio, 1.0f);
     const std::int32_t always = effFlagsCanReplacing | effFlagsProgramChunks | effFlagsIsSynth;
     EXPECT_EQ(effect_->flags & ~effFlagsHasEditor, always);
+    EXPECT_EQ(text(effGetEffectName, 32), "Tolm");
+    EXPECT_EQ(text(effGetProductString, 64), "Tolm");
+    EXPECT_EQ(text(effGetVendorString, 64), "Corvane Audio");
 }
 
 TEST_F(Boundary, acceptsHostsOfAnyVersionButNone)
@@ -165,44 +154,24 @@ TEST_F(Boundary, answersEveryOpcode)
         std::intptr_t value, answer;
     };
     constexpr Row kAnswers[] = {
-        {effOpen,                  0,          0,   0         },
-        {effGetProgram,            0,          0,   0         },
-        {effSetSampleRate,         0,          0,   0         },
-        {effSetBlockSize,          0,          512, 0         },
-        {effIdentify,              0,          0,   0x4E764566},
-        {effProcessEvents,         0,          0,   1         },
-        {effCanBeAutomated,        0,          0,   1         },
-        {effCanBeAutomated,        110,        0,   1         },
-        {effCanBeAutomated,        5000,       0,   1         },
-        {effString2Parameter,      0,          0,   0         },
-        {effGetInputProperties,    0,          0,   0         },
-        {effGetPlugCategory,       0,          0,   2         },
-        {effSetBypass,             0,          1,   0         },
-        {effGetVendorVersion,      0,          0,   1         },
-        {effVendorSpecific,        0x57686565, 1,   0         },
-        {effGetTailSize,           0,          0,   0         },
-        {effIdle,                  0,          0,   0         },
-        {effGetVstVersion,         0,          0,   2400      },
-        {effEditKeyDown,           0,          0,   0         },
-        {effEditKeyUp,             0,          0,   0         },
-        {effGetCurrentMidiProgram, 0,          0,   -1        },
-        {effStartProcess,          0,          0,   0         },
-        {effStopProcess,           0,          0,   0         },
-        {effSetProcessPrecision,   0,          1,   0         },
-        {9,                        0,          0,   0         },
-        {80,                       0,          0,   0         },
-        {-1,                       0,          0,   0         },
-        {0x7FFFFFFF,               0,          0,   0         },
+        {effIdentify, 0, 0, 0x4E764566}, {effProcessEvents, 0, 0, 1},
+        {effCanBeAutomated, 0, 0, 1},    {effCanBeAutomated, 5000, 0, 1},
+        {effGetPlugCategory, 0, 0, 2},   {effGetVendorVersion, 0, 0, 1},
+        {effGetVstVersion, 0, 0, 2400},  {effGetCurrentMidiProgram, 0, 0, -1},
+        {effSetChunk, 0, 0, 235560},     {effCanDo, 0, 0, -1},
+        {effSetBlockSize, 0, 512, 0},    {effVendorSpecific, 0x57686565, 1, 0},
+        {effSetBypass, 0, 1, 0},         {effSetProcessPrecision, 0, 1, 0},
     };
-    for (const Row& row : kAnswers)
+    std::set<std::int32_t> answered{effClose};
+    for (const Row& row : kAnswers) {
         EXPECT_EQ(call(row.opcode, row.index, row.value), row.answer) << "opcode " << row.opcode;
-}
-
-TEST_F(Boundary, namesItself)
-{
-    EXPECT_EQ(text(effGetEffectName, 32), "Tolm");
-    EXPECT_EQ(text(effGetProductString, 64), "Tolm");
-    EXPECT_EQ(text(effGetVendorString, 64), "Corvane Audio");
+        answered.insert(row.opcode);
+    }
+    for (std::int32_t opcode = -3; opcode < 200; ++opcode)
+        if (!answered.contains(opcode)) {
+            EXPECT_EQ(call(opcode), 0) << opcode;
+        }
+    EXPECT_EQ(call(0x7FFFFFFF), 0);
 }
 
 TEST_F(Boundary, saysWhatItCanDo)
@@ -255,15 +224,6 @@ TEST_F(Boundary, keepsTextsInsideTheHostsBuffers)
     EXPECT_EQ(text(effGetParamName, 24, 323), "Effect order - slot 1");
 }
 
-TEST_F(Boundary, leavesTheTextOfTwoParametersToTheEditor)
-{
-    for (const std::int32_t id : {71, 72}) {
-        char kept[32] = "untouched";
-        call(effGetParamDisplay, id, 0, kept);
-        EXPECT_STREQ(kept, "untouched");
-    }
-}
-
 TEST_F(Boundary, givesAllProgramNamesWithoutASideEffect)
 {
     std::array<char, 64> name;
@@ -303,19 +263,6 @@ TEST_F(Boundary, storesParameterValuesAsGivenAndNothingThatIsNoNumber)
         EXPECT_EQ(effect_->getParameter(effect_, id), 0.0f) << id;
     }
     EXPECT_TRUE(host.automated.empty()) << "host automation must not come back as automation";
-}
-
-TEST_F(Boundary, keepsInstancesApart)
-{
-    AEffect* other = create("Main");
-    ASSERT_NE(other, nullptr);
-    effect_->setParameter(effect_, 28, 0.125f);
-    other->setParameter(other, 28, 0.75f);
-    other->dispatcher(other, effSetProgram, 0, 7, nullptr, 0.0f);
-    EXPECT_EQ(effect_->getParameter(effect_, 28), 0.125f);
-    EXPECT_EQ(call(effGetProgram), 0);
-    other->dispatcher(other, effClose, 0, 0, nullptr, 0.0f);
-    EXPECT_EQ(effect_->getParameter(effect_, 28), 0.125f);
 }
 
 // Every order of calls that hosts were seen to use, and null where a pointer belongs.
