@@ -19,13 +19,13 @@ TEST(VstSynth, recognisesMakersOfHosts)
     const std::pair<const char*, Kind> rows[] = {
         {"Corvane Audio", {true}},
         {"Corvane Audio ", {}},
-        {"Cockos", {false, true}},
-        {"Zynewave", {false, true}},
-        {"Image-Line", {false, false, true}},
-        {"The Cakewalk Inc", {false, false, true}},
-        {"Twelve Tone Systems", {false, false, true}},
+        {"Cockos", {0, true}},
+        {"Zynewave", {0, true}},
+        {"Image-Line", {0, 0, true}},
+        {"The Cakewalk Inc", {0, 0, true}},
+        {"Twelve Tone Systems", {0, 0, true}},
         {"Twelve Tone Systems Inc", {}},
-        {"Steinberg", {false, false, false, true}},
+        {"Steinberg", {0, 0, 0, true}},
         {"steinberg", {}},
     };
     for (const auto& [vendor, expected] : rows) {
