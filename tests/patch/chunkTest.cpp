@@ -39,38 +39,6 @@ TEST(ChunkWriter, writesHeaderAndTheCurrentBankByteForByte)
     EXPECT_TRUE(rig.untouched(255));
 }
 
-TEST(Chunk, everyBankComesBackExactlyAndAlone)
-{
-    for (int bank = 0; bank < 3; ++bank) {
-        SCOPED_TRACE(bank);
-        Rig saved(100 + static_cast<unsigned>(bank));
-        saved.bank = bank;
-        saved.program = bank * 128 + 77;
-        saved.bendUp = 12;
-        saved.bendDown = 3;
-        ChunkBytes chunk(0);
-        chunk.bytes = saved.write();
-
-        Rig other(7);
-        ASSERT_TRUE(other.read(chunk, false).loaded);
-        EXPECT_EQ(other.program, saved.program);
-        EXPECT_EQ(other.bendUp, 12);
-        EXPECT_EQ(other.bendDown, 3);
-        for (int p = 0; p < kProgramCount; ++p) {
-            if (p / 128 != bank) {
-                ASSERT_TRUE(other.untouched(p)) << p;
-                continue;
-            }
-            ProgramRecord expected = saved.store->record(p);
-            for (std::size_t voice = 62; voice <= 69; ++voice)
-                expected.values[voice] = 0.0f;
-            if (expected.values[115] < 1.0f)
-                expected.values[114] = 1.0f;
-            ASSERT_EQ(std::memcmp(&expected, &other.store->record(p), sizeof expected), 0) << p;
-        }
-    }
-}
-
 struct Rejected {
     const char* what;
     bool isPreset;

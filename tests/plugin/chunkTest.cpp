@@ -7,7 +7,6 @@
 
 #include <chrono>
 #include <cstring>
-#include <random>
 
 namespace tolm::test {
 namespace {
@@ -19,31 +18,38 @@ std::int32_t field(const std::vector<std::uint8_t>& chunk, std::size_t offset)
     return value;
 }
 
-TEST(Chunk, aProjectComesBackByteForByteAfterManyChanges)
+TEST(Chunk, aProjectComesBackByteForByteAndItsBankAlone)
 {
     SynthRig rig;
     EXPECT_EQ(field(rig.savedChunk(), 12), 12) << "not the engine's own voice count";
-    rig.synth->setProgram(130);
+    ProgramStore& programs = rig.core().engine().programBank();
     rig.synth->setParameter(kPolyphony, 1.0f);
     rig.record().bendUpRange = 12;
-    const std::vector<std::uint8_t> saved = rig.savedChunk();
-    ASSERT_EQ(saved.size(), 235560u);
-    EXPECT_EQ(saved, rig.savedChunk(true));
-    EXPECT_EQ(field(saved, 8), 130);
-    EXPECT_EQ(field(saved, 12), 72);
-    EXPECT_EQ(field(saved, 16), 12);
-    EXPECT_EQ(field(saved, 28), 1);
-
-    std::mt19937 random(7);
-    std::uniform_real_distribution<float> value(0.0f, 1.0f);
-    for (int i = 0; i < 10000; ++i) {
-        if (i % 500 == 0)
-            rig.synth->setProgram(static_cast<int>(random() % 384));
-        rig.synth->setParameter(static_cast<int>(random() % 329), value(random));
+    const std::vector<ProgramRecord> factory(programs.records().begin(), programs.records().end());
+    ProgramRecord other;
+    other.name.fill('x');
+    other.values.fill(0.7654321f);
+    for (int bank = 0; bank < kBankCount; ++bank) {
+        SCOPED_TRACE(bank);
+        std::copy(factory.begin(), factory.end(), programs.records().begin());
+        const int current = bank * kBankSize + 2;
+        rig.synth->setProgram(current);
+        programs.setDescription(current, "Kept");
+        programs.record(current).reserved[11] = 3;
+        const std::vector<std::uint8_t> saved = rig.savedChunk();
+        ASSERT_EQ(saved.size(), 235560u);
+        EXPECT_EQ(saved, rig.savedChunk(true));
+        EXPECT_EQ(field(saved, 8), current);
+        EXPECT_EQ(field(saved, 16), 12);
+        EXPECT_EQ(field(saved, 28), bank);
+        std::fill(programs.records().begin(), programs.records().end(), other);
+        rig.synth->setProgram(200);
+        EXPECT_EQ(rig.load(saved), 235560);
+        EXPECT_EQ(rig.synth->getProgram(), current);
+        EXPECT_EQ(rig.savedChunk(), saved);
+        for (int p = 0; p < kProgramCount; ++p)
+            EXPECT_EQ(programs.name(p).front() == 'x', p / kBankSize != bank) << p;
     }
-    EXPECT_EQ(rig.load(saved), 235560);
-    EXPECT_EQ(rig.synth->getProgram(), 130);
-    EXPECT_EQ(rig.savedChunk(), saved);
 }
 
 TEST(Chunk, rejectedChunksChangeNothingButTheBendRanges)

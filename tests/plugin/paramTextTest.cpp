@@ -132,24 +132,17 @@ TEST(ParamText, comesBackFromEveryTextThatAValueInRangeGives)
 
 TEST(ParamText, takesMenuNamesAndStoredNumbers)
 {
-    for (const MenuEntry& entry : kFilterMenu) {
-        if (entry.id == kSeparatorId)
-            continue;
-        EXPECT_EQ(parameterValue(126, entry.name, {}), static_cast<float>(entry.id)) << entry.name;
-        EXPECT_EQ(menuText(126, static_cast<float>(entry.id) + 0.000001f), entry.name);
-    }
-    for (const MenuEntry& entry : kDestinationMenu)
-        EXPECT_EQ(parameterValue(192 + 31, entry.name, {}), static_cast<float>(entry.id));
-    for (const MenuEntry& entry : kSourceMenu)
-        EXPECT_EQ(parameterValue(128, entry.name, {}), static_cast<float>(entry.id));
+    const std::pair<int, std::span<const MenuEntry>> menus[] = {
+        {126, kFilterMenu}, {192 + 31, kDestinationMenu}, {128, kSourceMenu}};
+    for (const auto& [id, menu] : menus)
+        for (const MenuEntry& entry : menu)
+            if (entry.id != kSeparatorId) {
+                const float stored = static_cast<float>(entry.id);
+                EXPECT_EQ(parameterValue(id, entry.name, {}), stored) << entry.name;
+                EXPECT_EQ(menuText(id, stored + 0.000001f), entry.name);
+            }
     for (const VoiceMask& mask : kVoiceMaskMenu)
         EXPECT_EQ(parameterValue(224, mask.name, {}), static_cast<float>(mask.id));
-    EXPECT_EQ(parameterValue(125, "mode: duophonic", {}), 6.0f);
-    EXPECT_EQ(parameterValue(125, "Chord", {}), 3.0f);
-    EXPECT_EQ(parameterValue(111, "Filter FM", {}), 2.0f);
-    EXPECT_EQ(parameterValue(322, "Sound Effects", {}), 10.0f);
-    EXPECT_EQ(parameterValue(126, "1600 %", {}), 16.0f);
-    EXPECT_EQ(parameterValue(323, "500 %", {}), 5.0f);
     EXPECT_TRUE(menuText(126, 111.0f).empty());
     EXPECT_TRUE(menuText(28, 1.0f).empty());
 }
@@ -165,7 +158,9 @@ TEST(ParamText, takesWhatPeopleType)
         {28, "40", 0.4f},         {28, " 40% ", 0.4f},       {28, "+40 %", 0.4f},
         {28, "12.5", 0.125f},     {115, "On", 1.0f},         {115, "off", 0.0f},
         {104, "-5dB", 0.25f},     {36, "off", 0.0f},         {80, "1 hz", 0.5f},
-        {1, "12", 48.0f / 72.0f}, {1, "+12", 48.0f / 72.0f},
+        {1, "12", 48.0f / 72.0f}, {1, "+12", 48.0f / 72.0f}, {125, "mode: duophonic", 6.0f},
+        {125, "Chord", 3.0f},     {111, "Filter FM", 2.0f},  {322, "Sound Effects", 10.0f},
+        {126, "1600 %", 16.0f},   {323, "500 %", 5.0f},
     };
     for (const Row& row : kRows) {
         const auto value = parameterValue(row.id, row.text, {});

@@ -52,6 +52,11 @@ protected:
     }
     void keep(const Bytes& bytes) const { write(*store(), Scope::user, bytes); }
     std::optional<Bytes> kept() const { return read(*store(), Scope::user); }
+    bool keptIsWhole() const
+    {
+        const auto bytes = kept();
+        return bytes == ones_ || bytes == twos_;
+    }
     fs::path file(const char* scope) const { return root_ / scope / kKey / "1"; }
 
     // The file itself included.
@@ -109,31 +114,19 @@ TEST_F(SettingsFilesOnDisk, livesWithoutAFolderAndWithOneThatIsInTheWay)
     EXPECT_EQ(read(*store(), Scope::machine).value_or(Bytes{}), Bytes{});
 }
 
-TEST_F(SettingsFilesOnDisk, twoProcessesOneOfThemKilledLeaveAWholeFile)
-{
-    keep(ones_);
-    const pid_t writer = startWriter(twos_);
-    ASSERT_GE(writer, 0);
-    const auto isWhole = [this] {
-        const auto bytes = kept();
-        return bytes == ones_ || bytes == twos_;
-    };
-    for (int i = 0; i < 30; ++i) {
-        keep(ones_);
-        EXPECT_TRUE(isWhole());
-    }
-    killWriter(writer);
-    EXPECT_TRUE(isWhole());
-}
-
-TEST_F(SettingsFilesOnDisk, killedWritersLeaveNothingThatPilesUp)
+TEST_F(SettingsFilesOnDisk, killedWritersLeaveAWholeFileAndNothingThatPilesUp)
 {
     keep(ones_);
     for (int i = 0; i < 12; ++i) {
-        const pid_t writer = startWriter(Bytes(300, 2));
+        const pid_t writer = startWriter(twos_);
         ASSERT_GE(writer, 0);
         std::this_thread::sleep_for(std::chrono::microseconds(1500 + 137 * i));
+        for (int k = 0; k < i % 4; ++k) {
+            keep(ones_);
+            EXPECT_TRUE(keptIsWhole());
+        }
         killWriter(writer);
+        EXPECT_TRUE(keptIsWhole());
     }
     EXPECT_LE(filesBeside("user"), 2);
     std::ofstream(file("user").string() + ".new") << std::string(1000, 'x'); // cut off half way
