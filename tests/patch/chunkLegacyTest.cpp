@@ -16,43 +16,32 @@ using ::testing::ElementsAre;
 
 using Values = std::array<float, 329>;
 
-// One old id after the other, as the adjustments are told.
+// Old ids that had changed places, and amounts that were square roots.
 void adjust(std::vector<float>& old)
 {
-    for (std::size_t i = 0; i < 258; ++i) {
-        if (i == 12) {
-            const float kept = old[12];
-            old[12] = old[13];
-            old[13] = kept;
-        } else if (i == 61) {
-            old[61] = old[62];
-        } else if (i == 69) {
-            old[70] = old[69];
-        } else if (i >= 81 && i <= 95) {
-            old[i - 1] = old[i];
-        } else if (i >= 160 && i <= 175) {
-            const int d = int(old[i] + 0.000001f);
-            if (d == 25 || d == 49 || d == 50 || d == 5 || d == 6) {
-                double x = (old[i - 16] - 0.5) * 2;
-                x = std::max(-1.0, std::min(1.0, x));
-                x = x < 0 ? 0.5 - std::sqrt(-x) * 0.5 : std::sqrt(x) * 0.5 + 0.5;
-                old[i - 16] = static_cast<float>(x);
-            }
-        }
+    std::swap(old[12], old[13]);
+    old[61] = old[62];
+    old[70] = old[69];
+    std::copy(old.begin() + 81, old.begin() + 96, old.begin() + 80);
+    for (std::size_t row = 0; row < 16; ++row) {
+        const int d = int(old[160 + row] + 0.000001f);
+        const double x = std::clamp((old[144 + row] - 0.5) * 2, -1.0, 1.0);
+        if (d == 25 || d == 49 || d == 50 || d == 5 || d == 6)
+            old[144 + row] =
+                static_cast<float>(0.5 + std::copysign(std::sqrt(std::abs(x)) * 0.5, x));
     }
 }
 
 Values repaired(const std::vector<float>& old)
 {
     Values v{};
-    for (std::size_t i = 0; i < 258; ++i)
-        v[i < 144 ? i : i < 176 ? i < 160 ? i + 16 : i + 32 : i < 192 ? i + 48 : i + 64] = old[i];
-    v[116] = v[83] > 0;
-    v[117] = v[88] > 0;
-    v[118] = v[94] > 0;
-    v[119] = v[100] > 0;
-    v[120] = std::fabs(v[104] - 0.5) > 0.001;
-    v[121] = std::fabs(v[109] - 0.5) > 0.001;
+    for (std::size_t i = 0; i < 258; ++i) // the matrix got twice its 16 rows
+        v[i < 144 ? i : i < 192 ? i + (i / 16 - 8) * 16 : i + 64] = old[i];
+    std::size_t on = 116;
+    for (const std::size_t level : {83, 88, 94, 100})
+        v[on++] = v[level] > 0;
+    for (const std::size_t gain : {104, 109})
+        v[on++] = std::fabs(v[gain] - 0.5) > 0.001;
     v[96] = 0;
     for (std::size_t k = 0; k < 32; ++k) {
         if (int(v[125]) == 5) {

@@ -85,22 +85,6 @@ TEST(VstSynth, copiesAndNamesPrograms)
     EXPECT_EQ(rig.synth->getProgram(), 10);
 }
 
-TEST(VstSynth, livesWithoutAHost)
-{
-    test::SettingsFiles files;
-    std::vector<std::string> messages;
-    VstSynth synth(nullptr, std::make_unique<test::FakeSettings>(files),
-                   std::make_unique<test::FakeMessages>(messages));
-    EXPECT_EQ(synth.effect()->numOutputs, 0);
-    synth.open();
-    synth.resume();
-    synth.setParameterAutomated(28, 0.5f);
-    float frames[64];
-    float* outputs[] = {frames, frames};
-    synth.processReplacing(nullptr, outputs, 64);
-    EXPECT_EQ(frames[63], 0.0f);
-}
-
 TEST(PendingParameters, comeInIdOrderAndOnce)
 {
     PendingParameters pending;
