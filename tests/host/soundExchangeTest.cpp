@@ -104,16 +104,26 @@ TEST_F(SoundExchange, badTextsAndFilesGetOneLineAndLeaveNothing)
     EXPECT_THAT(rig.files(), ElementsAre("key.toml", "noise.fxp", "none.toml", "value.toml"));
 }
 
-TEST_F(SoundExchange, tolmPlaysProgramAndBankFiles)
+TEST_F(SoundExchange, tolmPlaysProgramAndBankFilesAndTellsThemApart)
 {
     rig.write("beep.toml", kBeep);
     convert("fxp beep.toml -o beep.fxp");
     convert("fxb beep.toml -o beep.fxb");
+    convert("fxb beep.toml -o misnamed.fxp");
+    const auto play = [this](const std::string& file) {
+        return rig.runPlain("--plugin " TOLM_PLUGIN " -o out.wav --notes 'A4 1' " + file);
+    };
+    for (const char* file : {"misnamed.fxp", "none.fxp"}) {
+        const Outcome outcome = play("--program " + std::string(file));
+        EXPECT_NE(outcome.status, 0);
+        EXPECT_EQ(outcome.err.find("is a bank: use --bank") != std::string::npos,
+                  file == std::string("misnamed.fxp"));
+    }
+    EXPECT_FALSE(std::filesystem::exists(rig.path("out.wav")));
     // Oscillators start anywhere, so the files are compared by pitch and not by sample: 440 Hz rise
     // through zero 110 times in a quarter of a second.
     for (const char* file : {"--program beep.fxp", "--bank beep.fxb --program Beep"}) {
-        const Outcome outcome =
-            rig.runPlain("--plugin " TOLM_PLUGIN " -o out.wav --notes 'A4 1' " + std::string(file));
+        const Outcome outcome = play(file);
         ASSERT_EQ(outcome.status, 0) << outcome.err;
         const Sound sound = rig.readSound("out.wav");
         int rises = 0;
@@ -124,18 +134,6 @@ TEST_F(SoundExchange, tolmPlaysProgramAndBankFiles)
     const Outcome list =
         rig.runPlain("--plugin " TOLM_PLUGIN " --program beep.fxp --list-programs");
     EXPECT_THAT(list.out, StartsWith("   0  Beep\n"));
-}
-
-TEST_F(SoundExchange, aBankIsNoProgram)
-{
-    rig.write("beep.toml", kBeep);
-    convert("fxb beep.toml -o bank.fxp"); // misnamed
-    const Outcome outcome =
-        rig.runPlain("--plugin " TOLM_PLUGIN " -o out.wav --notes A4 --program bank.fxp");
-    EXPECT_NE(outcome.status, 0);
-    EXPECT_THAT(outcome.err, HasSubstr("is a bank: use --bank"));
-    EXPECT_NE(rig.runPlain("-o out.wav --notes A4 --program none.fxp").status, 0);
-    EXPECT_THAT(rig.files(), ElementsAre("bank.fxp", "beep.toml"));
 }
 
 } // namespace

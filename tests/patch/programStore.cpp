@@ -26,8 +26,10 @@ Bank reversedBank()
 {
     Bank bank(kProgramCount);
     for (int p = 0; p < kProgramCount; ++p) {
-        setName(bank[static_cast<std::size_t>(p)], "Sound " + std::to_string(999 - p));
-        bank[static_cast<std::size_t>(p)].values[kVolume] = static_cast<float>(p);
+        ProgramRecord& record = bank[static_cast<std::size_t>(p)];
+        record.values.fill(5.0f);
+        setName(record, "Sound " + std::to_string(999 - p));
+        record.values[kVolume] = static_cast<float>(p);
     }
     return bank;
 }
@@ -45,7 +47,7 @@ ProgramStore storeOf(const Bank& bank)
     return {std::span<const ProgramRecord, kProgramCount>(bank), initPatch()};
 }
 
-TEST(ProgramStore, sortsThreeGroupsAndKeepsTheLastElevenPlaces)
+TEST(ProgramStore, sortsThreeGroupsKeepsTheLastElevenPlacesAndResetsEffectOrders)
 {
     const ProgramStore store = storeOf(reversedBank());
     const int groups[][2] = {{0, 128}, {128, 256}, {256, 373}};
@@ -57,6 +59,9 @@ TEST(ProgramStore, sortsThreeGroupsAndKeepsTheLastElevenPlaces)
         EXPECT_EQ(store.value(p, kVolume), static_cast<float>(p));
     EXPECT_EQ(store.name(383), "Init Patch");
     EXPECT_EQ(store.value(383, kVolume), 1000.0f);
+    for (int p = 0; p < kProgramCount; ++p)
+        for (int slot = 0; slot < kEffectSlots; ++slot)
+            ASSERT_EQ(store.value(p, kEffectOrder1 + slot), static_cast<float>(slot));
 }
 
 TEST(ProgramStore, stripsMarksBeforeItSortsAndPutsDashesLast)
@@ -84,18 +89,6 @@ TEST(ProgramStore, stripsMarksBeforeItSortsAndPutsDashesLast)
     for (const auto& [program, name] : names)
         EXPECT_EQ(store.name(program), name);
     EXPECT_EQ(store.value(1, kVolume), 5.0f);
-}
-
-TEST(ProgramStore, resetsEveryEffectOrder)
-{
-    Bank bank = reversedBank();
-    for (ProgramRecord& record : bank)
-        for (int slot = 0; slot < kEffectSlots; ++slot)
-            record.values[static_cast<std::size_t>(kEffectOrder1 + slot)] = 5.0f;
-    const ProgramStore store = storeOf(bank);
-    for (int p = 0; p < kProgramCount; ++p)
-        for (int slot = 0; slot < kEffectSlots; ++slot)
-            ASSERT_EQ(store.value(p, kEffectOrder1 + slot), static_cast<float>(slot));
 }
 
 // Whatever the pieces, exactly one of two different names comes first, and the order is a chain.

@@ -72,21 +72,33 @@ TEST(EditorPort, hearsOfChangesHoweverTheyCameAbout)
 TEST(EditorPort, tellsTheHostOfEditsInOrderAndOnlyOfItsOwn)
 {
     PortRig rig;
-    rig.port.beginEdit(kFilterCutoff);
-    rig.port.setParameterAutomated(kFilterCutoff, 0.5f);
-    rig.port.endEdit(kFilterCutoff);
-    rig.port.beginEdit(kModWheel);
-    rig.port.setParameterAutomated(kModWheel, 1.0f);
-    rig.port.endEdit(kModWheel);
+    const std::pair<int, float> edits[] = {
+        {kFilterCutoff, 0.5f},
+        {kModWheel, 1.0f},   // a controller, but no parameter of the host's
+        {4, 0.5f},           // the other way round
+        {kPitchWheel, 0.5f}, // neither
+        {30, 7.0f},          // stored as it is, sent as what MIDI can say
+        {30, NAN},
+    };
+    for (const auto& [id, value] : edits) {
+        rig.port.beginEdit(id);
+        rig.port.setParameterAutomated(id, value);
+        rig.port.endEdit(id);
+    }
     rig.port.setParameter(kVolume, 0.5f);
     rig.port.updateHostDisplay();
     EXPECT_TRUE(rig.port.resizeHostWindow(1120, 720));
     rig.resizes = false;
     EXPECT_FALSE(rig.port.resizeHostWindow(2240, 1440));
-    EXPECT_THAT(rig.told, ElementsAre("begin 28", "automate 28", "end 28", "display",
-                                      "size 1120 720", "size 2240 1440"));
-    ASSERT_EQ(rig.sentMidi.size(), 2u); // both are mapped to controllers
-    EXPECT_EQ(rig.sentMidi[1], (std::array{0xB0, 1, 127}));
+    EXPECT_THAT(rig.told,
+                ElementsAre("begin 28", "automate 28", "end 28", "begin 4", "automate 4", "end 4",
+                            "begin 30", "automate 30", "end 30", "begin 30", "automate 30",
+                            "end 30", "display", "size 1120 720", "size 2240 1440"));
+    const std::vector<std::array<int, 3>> sent = {
+        {0xB0, 74, 63}, {0xB0, 1, 127}, {0xB0, 43, 127}, {0xB0, 43, 0}};
+    EXPECT_EQ(rig.sentMidi, sent);
+    EXPECT_EQ(rig.port.value(kModWheel), 1.0f);
+    EXPECT_EQ(rig.port.value(30), 0.0f);
 }
 
 TEST(EditorPort, notesEndWhileBlocksRunAndWhileNoneDo)

@@ -1,4 +1,4 @@
-// The plug-in object: its own host, parameters on their three ways, programs, tuning.
+// The plug-in object: its own host and the tuning, displays, programs.
 
 #include "SynthRig.h"
 #include "plugin/catalogue.h"
@@ -36,23 +36,6 @@ TEST(VstSynth, letsOnlyTheOwnHostRetune)
         rig.synth->vendorSpecific(kTuni, 0, tuning.data(), 0.0f);
         EXPECT_EQ(rig.record().pitch, retuned) << bad;
     }
-}
-
-TEST(VstSynth, reportsAutomationAndSendsTheMappedController)
-{
-    SynthRig rig;
-    rig.synth->setParameterAutomated(28, 0.5f);
-    rig.synth->setParameterAutomated(113, 1.0f);
-    rig.synth->setParameterAutomated(4, 0.5f);   // no controller
-    rig.synth->setParameterAutomated(346, 0.5f); // neither
-    rig.synth->setParameterAutomated(30, 7.0f);  // stored as it is, sent as what MIDI can say
-    rig.synth->setParameterAutomated(30, NAN);
-    EXPECT_THAT(rig.told, ElementsAre("automate 28", "automate 4", "automate 30", "automate 30"));
-    const std::vector<std::array<int, 3>> sent = {
-        {0xB0, 74, 63}, {0xB0, 1, 127}, {0xB0, 43, 127}, {0xB0, 43, 0}};
-    EXPECT_EQ(rig.sentMidi, sent);
-    EXPECT_EQ(rig.synth->getParameter(113), 1.0f);
-    EXPECT_EQ(rig.synth->getParameter(30), 0.0f);
 }
 
 TEST(VstSynth, showsTheStoredValueInTheLightOfTheOthers)
