@@ -37,27 +37,32 @@ public:
 
     void act()
     {
-        const int kind = below(100);
-        if (kind < 30)
-            press(kLowestKey + below(kKeys));
-        else if (kind < 55)
-            release(kLowestKey + below(kKeys));
-        else if (kind < 70)
-            process(1 + below(64));
-        else if (kind < 74)
-            set(kArpOn, static_cast<float>(below(2)));
-        else if (kind < 80)
-            set(kArpMode, static_cast<float>(below(7)));
-        else if (kind < 84)
-            set(kMonoMode, static_cast<float>(below(2)));
-        else if (kind < 88)
-            set(kVoices, static_cast<float>(below(3)) / 5.0f);
-        else if (kind < 92)
-            set(kPolyphony, static_cast<float>(below(3)) / 4.0f);
-        else if (kind < 96)
-            send(0xB0, 64, below(2) * 127);
-        else
-            rare();
+        struct Action {
+            int perMille;
+            void (*act)(RandomPlayer&);
+        };
+        static constexpr Action kActions[] = {
+            {300, [](RandomPlayer& p) { p.press(kLowestKey + p.below(kKeys)); }},
+            {250, [](RandomPlayer& p) { p.release(kLowestKey + p.below(kKeys)); }},
+            {150, [](RandomPlayer& p) { p.process(1 + p.below(64)); }},
+            {40, [](RandomPlayer& p) { p.set(kArpOn, p.below(2)); }},
+            {60, [](RandomPlayer& p) { p.set(kArpMode, p.below(7)); }},
+            {40, [](RandomPlayer& p) { p.set(kMonoMode, p.below(2)); }},
+            {40, [](RandomPlayer& p) { p.set(kVoices, p.below(3) / 5.0); }},
+            {40, [](RandomPlayer& p) { p.set(kPolyphony, p.below(3) / 4.0); }},
+            {40, [](RandomPlayer& p) { p.send(0xB0, 64, p.below(2) * 127); }},
+            {5, [](RandomPlayer& p) { p.send(0xB0, 123, 0); }},
+            {5, [](RandomPlayer& p) { p.send(0xC0, kBankSize - 1 - p.below(kPrograms), 0); }},
+            {5, [](RandomPlayer& p) { p.rig_.core().engine().allNotesOff(false); }},
+            {10, [](RandomPlayer& p) { p.set(kGlide, p.below(2) * 0.5); }},
+            {15, [](RandomPlayer& p) { p.set(kArpStepCount, p.below(4) / 31.0); }},
+        };
+        int dice = below(1000);
+        for (const Action& action : kActions) {
+            dice -= action.perMille;
+            if (dice < 0)
+                return action.act(*this);
+        }
     }
 
     // Everything up and off, and time to fade.
@@ -68,7 +73,7 @@ public:
         send(0xB0, 64, 0);
         if (below(2) != 0)
             process(32);
-        set(kArpOn, 0.0f);
+        set(kArpOn, 0.0);
         process(32);
         process(512); // 20 dB in 2 ms: 180 dB take 144 frames
     }
@@ -97,21 +102,6 @@ private:
         }
     }
 
-    void rare()
-    {
-        const int kind = below(8);
-        if (kind == 0)
-            send(0xB0, 123, 0);
-        else if (kind == 1)
-            send(0xC0, kBankSize - 1 - below(kPrograms), 0);
-        else if (kind == 2)
-            rig_.core().engine().allNotesOff(false);
-        else if (kind < 5)
-            set(kGlide, static_cast<float>(below(2)) * 0.5f);
-        else
-            set(kArpStepCount, static_cast<float>(below(4)) / 31.0f);
-    }
-
     void press(int key)
     {
         held_.insert(key);
@@ -127,10 +117,10 @@ private:
         log_ << std::hex << status << std::dec << ' ' << data1 << ' ' << data2 << '\n';
         rig_.send({{below(8), status, data1, data2}});
     }
-    void set(int id, float value)
+    void set(int id, double value)
     {
         log_ << "set " << id << ' ' << value << '\n';
-        rig_.synth->setParameter(id, value);
+        rig_.synth->setParameter(id, static_cast<float>(value));
     }
     void process(int frames)
     {
