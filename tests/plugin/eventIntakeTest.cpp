@@ -247,6 +247,10 @@ TEST_F(KeyboardDrain, keepsARunningPatternWhileKeysAreHeld)
     drained({{0, 0x90, 60, 100}});
     EXPECT_EQ(rig.arp().restartOffset, -1);
     rig.arp().held.fill(0);
+    rig.arp().held[40] = 100;
+    drained({{0, 0x80, 40, 0}, {0, 0x90, 60, 100}}); // once held, for the whole drain
+    EXPECT_EQ(rig.arp().restartOffset, -1);
+    rig.arp().held.fill(0);
     drained({{0, 0x80, 99, 0}}); // even a stray release restarts when nothing is held
     EXPECT_TRUE(restarted(0));
 }

@@ -46,7 +46,10 @@ public:
     void open() override { throw std::runtime_error("open"); }
     void close() override { throw std::runtime_error("close"); }
     std::int32_t processEvents(const VstEvents*) override { throw std::bad_alloc(); }
+    void setProgram(std::int32_t program) override { selected = program; }
     void addEditor(std::string& log) { setEditor(std::make_unique<FakeEditor>(log)); }
+
+    std::int32_t selected = -1;
 
 private:
     int& alive_;
@@ -70,6 +73,16 @@ TEST(Dispatcher, keepsEveryExceptionFromTheHostAndStillDiesAtClose)
     EXPECT_EQ(alive, 1);
     call(effect, effClose);
     EXPECT_EQ(alive, 0);
+}
+
+TEST(Dispatcher, selectsOnlyProgramsThatExist)
+{
+    int alive = 0;
+    FakeEffect owned(alive);
+    call(owned.effect(), effSetProgram, 0, 3);
+    for (const std::intptr_t wrong : {std::intptr_t{-1}, std::intptr_t{4}, std::intptr_t{1} << 32})
+        call(owned.effect(), effSetProgram, 0, wrong);
+    EXPECT_EQ(owned.selected, 3);
 }
 
 TEST(Dispatcher, announcesAWindowOnlyWhenThereIsOneAndForwardsItsOpcodes)
