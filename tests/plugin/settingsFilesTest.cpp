@@ -144,9 +144,13 @@ TEST_F(SettingsFilesOnDisk, aStuckWriterHoldsNobodyUpForLong)
     const auto start = std::chrono::steady_clock::now();
     keep(twos_);
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
-    ::close(stuck);
     EXPECT_EQ(kept(), ones_) << "given up, and the old file is whole";
-    keep(twos_);
+    std::thread other([stuck] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        ::close(stuck);
+    });
+    keep(twos_); // waits for its turn
+    other.join();
     EXPECT_EQ(kept(), twos_);
 }
 
