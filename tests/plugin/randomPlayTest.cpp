@@ -137,7 +137,7 @@ private:
 
 TEST(RandomPlay, leavesNoVoiceBehind)
 {
-    RandomPlayer player(4711);
+    RandomPlayer player(5);
     for (int round = 0; round < kRounds; ++round) {
         for (int i = 0; i < kActionsPerRound; ++i)
             player.act();
