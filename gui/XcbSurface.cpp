@@ -10,6 +10,7 @@ namespace tolm::gui {
 
 namespace {
 
+constexpr std::size_t kSliceBytes = 256 * 1024; // of a copy on its way to the server
 constexpr std::uint32_t kOpaque = 0xFF000000;
 
 // An 8-bit channel at a mask's place and width.
@@ -130,9 +131,10 @@ void XcbSurface::showSlices(const Image& image, const Area& area)
 {
     const std::size_t bytes = format_.bitsPerPixel / 8u;
     const std::size_t stride = (static_cast<std::size_t>(area.width) * bytes + 3) / 4 * 4;
-    const std::size_t limit =
+    const std::size_t allowed =
         static_cast<std::size_t>(xcb_get_maximum_request_length(connection_.get())) * 4 - 64;
-    const int most = static_cast<int>(std::max<std::size_t>(limit / stride, 1));
+    const int most =
+        static_cast<int>(std::max<std::size_t>(std::min(allowed, kSliceBytes) / stride, 1));
     for (int done = 0; done < area.height;) {
         const int rows = std::min(most, area.height - done);
         slice_.assign(stride * static_cast<std::size_t>(rows), 0);
