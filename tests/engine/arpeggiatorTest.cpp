@@ -28,16 +28,24 @@ std::ostream& operator<<(std::ostream& out, const Hit& h)
 using Hits = std::vector<Hit>;
 
 constexpr int kTieStep = 128;
-constexpr double kRate = 44100.0;
+constexpr double kSixteenth = kRate * 60.0 / 120.0 / 4.0 / 32.0; // frames per tick at 120 bpm
+
+int tickFrame(int restart, double tickFrames, int tick)
+{
+    return restart + static_cast<int>(std::ceil(tick * tickFrames));
+}
+// Of sixteenths from frame 0.
+int at(int tick)
+{
+    return tickFrame(0, kSixteenth, tick);
+}
 
 class Arp : public ::testing::Test {
 protected:
-    // A rest ends the sounding note but does not forget it: the next tick ends it once more.
-    Arp() { begin(ArpMode::simple); }
+    using Keys = std::vector<std::pair<int, int>>; // held keys and their velocities
 
-    void begin(ArpMode mode)
+    Arp()
     {
-        rig.set(kArpMode, static_cast<float>(mode));
         rig.set(kArpOn, 1.0f);
         rig.set(kArpSync, 1.0f);
         rig.set(kArpRate, 0.51f); // int(20.01 * 0.51) = 10: 1/16
@@ -45,8 +53,13 @@ protected:
         rig.set(kArpSwing, 0.5f);
         rig.set(kArpRange, 0.0f);
     }
-    void pattern(const std::vector<int>& notes, const std::vector<int>& velocities = {})
+
+    // A fresh start at a frame.
+    void start(ArpMode mode, const std::vector<int>& notes, const std::vector<int>& velocities,
+               const Keys& keys, int frame = 0)
     {
+        rig.engine.resetVoices();
+        rig.set(kArpMode, static_cast<float>(mode));
         rig.set(kArpStepCount, static_cast<float>(notes.size() - 1) / 31.0f + 0.001f);
         for (std::size_t i = 0; i < notes.size(); ++i) {
             const int step = static_cast<int>(i);
@@ -54,61 +67,55 @@ protected:
             const int velocity = i < velocities.size() ? velocities[i] : 64;
             rig.set(kArpVelocity1 + step, static_cast<float>(velocity) / 128.0f);
         }
+        for (const auto& [key, velocity] : keys)
+            hold(key, velocity);
+        restart(frame);
     }
     void hold(int key, int velocity)
     {
-        rig.engine.record().arp.held[static_cast<std::size_t>(key)] =
-            static_cast<std::uint8_t>(velocity);
+        r.arp.held[static_cast<std::size_t>(key)] = static_cast<std::uint8_t>(velocity);
     }
     void restart(int frame)
     {
-        auto& arp = rig.engine.record().arp;
-        arp.phase = 0.0;
-        arp.tickCounter = 0;
-        arp.restartOffset = frame;
+        r.arp.phase = 0.0;
+        r.arp.tickCounter = 0;
+        r.arp.restartOffset = frame;
     }
     // The pattern's notes of the next frames, counted from the first of them.
     Hits play(int frames, int block = 512)
     {
         Hits hits;
-        for (int at = 0; at < frames; at += block) {
-            const int n = std::min(block, frames - at);
+        for (int start = 0; start < frames; start += block) {
+            const int n = std::min(block, frames - start);
             rig.queue.clear();
             rig.engine.startBlock(n);
             rig.engine.runArpeggiator(n);
             for (const QueuedEvent& e : rig.queue)
-                hits.push_back({at + e.offset, e.status == kNoteOn, e.data1, e.data2, e.tag});
+                hits.push_back({start + e.offset, e.status == kNoteOn, e.data1, e.data2, e.tag});
             rig.engine.endBlock();
         }
         return hits;
     }
 
-    EngineRig rig{kRate};
+    EngineRig rig;
+    EngineRecord& r = rig.engine.record();
 };
 
-int tickFrame(int restart, double tickFrames, int tick)
-{
-    return restart + static_cast<int>(std::ceil(tick * tickFrames));
-}
-
-constexpr double kSixteenth = kRate * 60.0 / 120.0 / 4.0 / 32.0; // frames per tick at 120 bpm
-
+// A rest ends the sounding note but does not forget it: the next tick ends it once more.
 TEST_F(Arp, firesOnTheGridInEveryBlockSize)
 {
     for (const int block : {1, 7, 64, 511, 512, 4096, 8192}) {
         SCOPED_TRACE(block);
-        pattern({1, 0, 13, kTieStep, 8}, {64, 64, 64, 64, 64});
-        hold(60, 100);
-        restart(0);
-        const auto at = [](int tick) { return tickFrame(0, kSixteenth, tick); };
+        start(ArpMode::simple, {1, 0, 13, kTieStep, 8}, {}, {{60, 100}});
         EXPECT_EQ(play(at(160), block), (Hits{{at(0), true, 60, 100},
                                               {at(32), false, 60, 64},
                                               {at(64), false, 60, 64},
                                               {at(64), true, 72, 100},
                                               {at(128), false, 72, 64},
                                               {at(128), true, 67, 100}}));
-        rig.engine.resetVoices();
     }
+    start(ArpMode::simple, {kTieStep, kTieStep}, {}, {{60, 100}});
+    EXPECT_TRUE(play(44100).empty()); // nothing but ties
 }
 
 TEST_F(Arp, stepLengthFollowsTempoAndRate)
@@ -120,30 +127,21 @@ TEST_F(Arp, stepLengthFollowsTempoAndRate)
         double tickFrames;
     };
     // 128 units of a beat in 4096 ticks a minute and tempo; free 0.1 * 1000^rate steps a second.
-    const Row rows[] = {
-        {true, 0.0f, 120.0, kRate * 0.5 * 3.0 / 32.0},           // 1/2*
-        {true, 0.21f, 97.0, kRate * 60.0 / 97.0 / 32.0},         // index 4: 1/4
-        {true, 0.41f, 140.0, kRate * 30.0 / 140.0 / 32.0},       // index 8: 1/8T, below
-        {true, 1.0f, 250.0, kRate * 60.0 / 250.0 / 48.0 / 32.0}, // 1/128T
-        {true, 0.9999f, 60.0, kRate / 48.0 / 32.0},              // 20.008 is index 20 already
-        {true, 0.999f, 60.0, kRate / 32.0 / 32.0},               // index 19: 1/128
-        {false, 0.0f, 120.0, kRate / 3.2},
-        {false, 1.0f, 120.0, kRate / 3200.0}, // 441 frames a step, to the frame
-        {false, 0.9f, 120.0, kRate / (3.2 * std::pow(1000.0, double(0.9f)))},
-    };
-    for (Row row : rows) {
-        if (row.rate == 0.41f)
-            row.tickFrames *= 2.0 / 3.0;
+    for (const Row& row :
+         {Row{true, 0.0f, 120.0, kRate * 0.5 * 3.0 / 32.0},     // 1/2*
+          Row{true, 0.21f, 97.0, kRate * 60.0 / 97.0 / 32.0},   // index 4: 1/4
+          Row{true, 0.41f, 140.0, kRate * 20.0 / 140.0 / 32.0}, // index 8: 1/8T
+          Row{true, 0.9999f, 60.0, kRate / 48.0 / 32.0},        // 20.008 is index 20: 1/128T
+          Row{true, 0.999f, 60.0, kRate / 32.0 / 32.0},         // index 19: 1/128
+          Row{false, 0.0f, 120.0, kRate / 3.2}, Row{false, 1.0f, 120.0, kRate / 3200.0},
+          Row{false, 0.9f, 120.0, kRate / (3.2 * std::pow(1000.0, double(0.9f)))}}) {
         SCOPED_TRACE(row.rate);
         rig.set(kArpSync, row.sync ? 1.0f : 0.0f);
         rig.set(kArpRate, row.rate);
         rig.tempo = row.tempo;
-        pattern({1, 0});
-        hold(60, 100);
-        restart(3);
+        start(ArpMode::simple, {1, 0}, {}, {{60, 100}}, 3);
         const int off = tickFrame(3, row.tickFrames, 32);
         EXPECT_EQ(play(off + 1, 8192), (Hits{{3, true, 60, 100}, {off, false, 60, 64}}));
-        rig.engine.resetVoices();
     }
 }
 
@@ -154,114 +152,72 @@ TEST_F(Arp, lengthMovesRestsAndSwingMovesThirdSteps)
         int restTick;  // of the rest in step 1
         int swungTick; // of the note in step 2
     };
-    for (const Row& row : {Row{0.5f, 0.5f, 32, 64},
-                           {0.0f, 0.0f, 1, 40},
-                           {1.0f, 1.0f, 63, 88},
-                           {0.25f, 0.75f, 16, 76}}) {
+    for (const Row& row : {Row{0.5f, 0.5f, 32, 64}, Row{0.0f, 0.0f, 1, 40}, Row{1.0f, 1.0f, 63, 88},
+                           Row{0.25f, 0.75f, 16, 76}}) {
         SCOPED_TRACE(row.length);
         rig.set(kArpLength, row.length);
         rig.set(kArpSwing, row.swing);
-        pattern({1, 0, 5, kTieStep});
-        hold(60, 100);
-        restart(0);
-        const auto at = [](int tick) { return tickFrame(0, kSixteenth, tick); };
-        Hits expected{{at(0), true, 60, 100},
-                      {at(row.restTick), false, 60, 64},
-                      {at(row.swungTick), false, 60, 64},
-                      {at(row.swungTick), true, 64, 100}};
-        EXPECT_EQ(play(at(120)), expected);
-        rig.engine.resetVoices();
+        start(ArpMode::simple, {1, 0, 5, kTieStep}, {}, {{60, 100}});
+        EXPECT_EQ(play(at(120)), (Hits{{at(0), true, 60, 100},
+                                       {at(row.restTick), false, 60, 64},
+                                       {at(row.swungTick), false, 60, 64},
+                                       {at(row.swungTick), true, 64, 100}}));
     }
-}
-
-TEST_F(Arp, allTiesPlayNothingAndSoundOn)
-{
-    pattern({kTieStep, kTieStep});
-    hold(60, 100);
-    restart(0);
-    EXPECT_TRUE(play(44100).empty());
 }
 
 TEST_F(Arp, rangeBlendsTheKeysVelocityTowardTheSteps)
 {
-    pattern({1, 0, 1, 0}, {128, 0, 0, 0});
-    hold(60, 40);
     // The second note's velocity step is 0, so the first one's value stays.
     for (const auto& [range, velocity] : {std::pair{0.0f, 40}, {1.0f, 127}, {0.5f, 83}}) {
         rig.set(kArpRange, range);
-        restart(0);
-        const Hits hits = play(tickFrame(0, kSixteenth, 65));
+        start(ArpMode::simple, {1, 0, 1, 0}, {128, 0, 0, 0}, {{60, 40}});
+        const Hits hits = play(at(65));
         ASSERT_EQ(hits.size(), 4u);
         EXPECT_EQ(hits[0].velocity, velocity);
         EXPECT_EQ(hits[3].velocity, velocity);
-        rig.engine.resetVoices();
-        hold(60, 40);
     }
 }
 
 TEST_F(Arp, keysAtTheEdgesOfTheRange)
 {
-    pattern({24});
     for (const ArpMode mode :
          {ArpMode::simple, ArpMode::oneShot, ArpMode::dynamic, ArpMode::duophonic}) {
-        rig.engine.resetVoices();
-        begin(mode);
-        pattern({24}, {mode == ArpMode::duophonic ? 128 : 0});
         SCOPED_TRACE(static_cast<int>(mode));
-        // Key 0 cannot be a base and hides the keys above it; key 127 is never seen.
-        hold(0, 100);
-        hold(60, 100);
-        restart(0);
-        EXPECT_TRUE(play(64).empty());
-        hold(0, 0);
-        hold(60, 0);
-        hold(127, 100);
-        restart(0);
-        EXPECT_TRUE(play(64).empty());
-        hold(126, 90);
-        restart(0);
-        EXPECT_EQ(play(64), (Hits{{0, true, 127, 90}})); // 149 is clamped
+        const int velocity = mode == ArpMode::duophonic ? kTieStep : 0;
+        const auto heard = [&](const Keys& keys) {
+            start(mode, {24}, {velocity}, keys);
+            return play(64);
+        };
+        EXPECT_TRUE(heard({{0, 100}, {60, 100}}).empty());         // key 0 hides the keys above it
+        EXPECT_TRUE(heard({{127, 100}}).empty());                  // never seen
+        EXPECT_EQ(heard({{126, 90}}), (Hits{{0, true, 127, 90}})); // 149 is clamped
     }
 }
 
 TEST_F(Arp, oneShotEndsAfterOnePass)
 {
-    begin(ArpMode::oneShot);
-    pattern({1, 0});
-    hold(60, 100);
-    restart(0);
-    const int pass = tickFrame(0, kSixteenth, 64);
-    EXPECT_EQ(play(10 * pass).size(), 2u);
+    start(ArpMode::oneShot, {1, 0}, {}, {{60, 100}});
+    EXPECT_EQ(play(10 * at(64)).size(), 2u);
     restart(5);
-    EXPECT_EQ(play(10 * pass).size(), 3u); // the note of the first pass ends once more
+    EXPECT_EQ(play(10 * at(64)).size(), 3u); // the note of the first pass ends once more
 }
 
 TEST_F(Arp, chordRetriggersEveryHeldKeyFromTheTop)
 {
-    begin(ArpMode::chord);
-    pattern({1, 0});
-    for (const int key : {0, 60, 127})
-        hold(key, key / 2 + 10);
-    restart(0);
-    const int off = tickFrame(0, kSixteenth, 32);
-    EXPECT_EQ(play(off + 1), (Hits{{0, true, 127, 73},
-                                   {0, true, 60, 40},
-                                   {0, true, 0, 10},
-                                   {off, false, 127, 73},
-                                   {off, false, 60, 40},
-                                   {off, false, 0, 10}}));
+    start(ArpMode::chord, {1, 0}, {}, {{0, 10}, {60, 40}, {127, 73}});
+    EXPECT_EQ(play(at(32) + 1), (Hits{{0, true, 127, 73},
+                                      {0, true, 60, 40},
+                                      {0, true, 0, 10},
+                                      {at(32), false, 127, 73},
+                                      {at(32), false, 60, 40},
+                                      {at(32), false, 0, 10}}));
 }
 
 TEST_F(Arp, dynamicStepsPickFurtherKeys)
 {
-    begin(ArpMode::dynamic);
     // d = velocity / 16: base, second, third, more than are held; a note an octave up.
-    pattern({1, 1, 14, 1, 0, 0}, {15, 16, 32, 48, 16, 0});
-    hold(50, 90);
-    hold(57, 20);
-    hold(62, 30);
-    restart(0);
-    const auto at = [](int tick) { return tickFrame(0, kSixteenth, tick); };
+    start(ArpMode::dynamic, {1, 1, 14, 1, 0, 0}, {15, 16, 32, 48, 16, 0},
+          {{50, 90}, {57, 20}, {62, 30}});
     EXPECT_EQ(play(at(192)), (Hits{{at(0), true, 50, 90},
                                    {at(32), false, 50, 64},
                                    {at(32), true, 57, 90},
@@ -275,52 +231,36 @@ TEST_F(Arp, dynamicStepsPickFurtherKeys)
 
 TEST_F(Arp, duophonicPlaysTwoRows)
 {
-    begin(ArpMode::duophonic);
-    pattern({1, kTieStep, 0, kTieStep}, {8, 5, kTieStep, 0});
-    hold(60, 77);
-    restart(0);
-    const auto at = [](int tick) { return tickFrame(0, kSixteenth, tick); };
+    start(ArpMode::duophonic, {1, kTieStep, 0, kTieStep}, {8, 5, kTieStep, 0}, {{60, 77}});
     EXPECT_EQ(play(at(128)), (Hits{{at(0), true, 60, 77},
                                    {at(0), true, 67, 77},
                                    {at(32), false, 67, 64},
                                    {at(32), true, 64, 77},
                                    {at(64), false, 60, 64},
                                    {at(96), false, 64, 64}}));
-    EXPECT_EQ(rig.engine.record().arp.velocityOut, 0.5f);
+    EXPECT_EQ(r.arp.velocityOut, 0.5f);
 }
 
 TEST_F(Arp, voiceModeWalksUpOnTheOddVoices)
 {
-    begin(ArpMode::voice);
-    pattern({1, 1, 13, 0});
-    hold(60, 10);
-    hold(64, 20);
-    restart(0);
-    const auto at = [](int tick) { return tickFrame(0, kSixteenth, tick); };
-    const Hits pass{{at(0), true, 60, 10, 0xAA},  {at(32), false, 60, 64, 0xAA},
-                    {at(32), true, 64, 20, 0xAA}, {at(64), false, 64, 64, 0xAA},
-                    {at(64), true, 72, 10, 0xAA}, {at(96), false, 72, 64, 0xAA}};
-    EXPECT_EQ(play(at(128)), pass);
+    start(ArpMode::voice, {1, 1, 13, 0}, {}, {{60, 10}, {64, 20}});
+    EXPECT_EQ(play(at(128)), (Hits{{at(0), true, 60, 10, 0xAA},
+                                   {at(32), false, 60, 64, 0xAA},
+                                   {at(32), true, 64, 20, 0xAA},
+                                   {at(64), false, 64, 64, 0xAA},
+                                   {at(64), true, 72, 10, 0xAA},
+                                   {at(96), false, 72, 64, 0xAA}}));
     // The walk starts again with the pass; the note that ended is named once more.
-    const Hits second = play(40);
-    ASSERT_EQ(second.size(), 2u);
-    EXPECT_EQ(second[0], (Hit{0, false, 72, 64, 0xAA}));
-    EXPECT_EQ(second[1], (Hit{0, true, 60, 10, 0xAA}));
+    EXPECT_EQ(play(40), (Hits{{0, false, 72, 64, 0xAA}, {0, true, 60, 10, 0xAA}}));
 }
 
 TEST_F(Arp, modulationModeOnlyMovesItsOutputs)
 {
-    begin(ArpMode::modulation);
-    pattern({32, 0, kTieStep, 96}, {16, 0, 100, 128});
-    hold(60, 100);
-    rig.engine.record().arp.noteOut = 0.0f;
-    restart(10);
+    start(ArpMode::modulation, {32, 0, kTieStep, 96}, {16, 0, 100, 128}, {{60, 100}}, 10);
     const int frames = 8192;
     EXPECT_TRUE(play(frames, frames).empty());
-    const auto& r = rig.engine.record();
     const int second = tickFrame(10, kSixteenth, 32);
-    for (int i : {0, 9})
-        EXPECT_EQ(r.arpVelocityBuffer[static_cast<std::size_t>(i)], 0.5f);
+    EXPECT_EQ(r.arpVelocityBuffer[9], 0.5f);
     for (int i : {10, second - 1, second, frames - 1}) {
         EXPECT_EQ(r.arpNoteBuffer[static_cast<std::size_t>(i)], 0.25f); // a rest keeps the note
         EXPECT_EQ(r.arpVelocityBuffer[static_cast<std::size_t>(i)], 0.125f);
@@ -335,26 +275,19 @@ TEST_F(Arp, modulationModeOnlyMovesItsOutputs)
 
 TEST_F(Arp, ticksRunOnWithoutKeysButStartNothing)
 {
-    pattern({1});
-    hold(60, 100);
-    restart(0);
+    start(ArpMode::simple, {1}, {}, {{60, 100}});
     EXPECT_EQ(play(100).size(), 1u);
     hold(60, 0);
-    const int frames = tickFrame(0, kSixteenth, 32);
-    EXPECT_EQ(play(frames), (Hits{{frames - 100, false, 60, 64}}));
-    EXPECT_TRUE(play(2 * frames).empty());
+    EXPECT_EQ(play(at(32)), (Hits{{at(32) - 100, false, 60, 64}}));
+    EXPECT_TRUE(play(2 * at(32)).empty());
 }
 
 TEST_F(Arp, switchingOffEndsItsNotesButNotTheKeysOfVoiceMode)
 {
     rig.set(kVoices, 0.15f); // two stacked voices
-    begin(ArpMode::voice);
-    pattern({1});
+    start(ArpMode::voice, {1}, {}, {{60, 100}});
     rig.on(60, 100, kEvenStackedVoices);
-    hold(60, 100);
-    restart(0);
     rig.render(64, 64);
-    const auto& r = rig.engine.record();
     EXPECT_EQ(rig.sounding(), 2);
     rig.set(kArpOn, 0.0f);
     EXPECT_EQ(r.voiceReleased[0], 0u);
@@ -367,11 +300,8 @@ TEST_F(Arp, switchingOffEndsItsNotesButNotTheKeysOfVoiceMode)
 TEST_F(Arp, enteringVoiceModeEndsThePatternsWholeStacks)
 {
     rig.set(kVoices, 0.15f);
-    pattern({8});
-    hold(60, 100);
-    restart(0);
+    start(ArpMode::simple, {8}, {}, {{60, 100}});
     rig.render(64, 64);
-    const auto& r = rig.engine.record();
     EXPECT_EQ(rig.sounding(), 2);
     rig.set(kArpMode, 1.0f);
     EXPECT_EQ(r.voiceReleased[0] + r.voiceReleased[1], 2u);

@@ -7,8 +7,6 @@
 namespace tolm {
 namespace {
 
-constexpr double kRate = 44100.0;
-constexpr int kConst = 7; // matrix source
 constexpr int kFirstLfo = 13;
 
 int lfoId(int n, int id)
@@ -16,9 +14,9 @@ int lfoId(int n, int id)
     return id + n * kLfoIdStride;
 }
 
-std::uint32_t stepOfHz(double hz, double rate = kRate)
+std::uint32_t stepOfHz(double hz)
 {
-    return static_cast<std::uint32_t>(hz * 4294967296.0 / rate);
+    return static_cast<std::uint32_t>(hz * kPhaseTurn / kRate);
 }
 
 // Advance of an LFO's phase in one frame.
@@ -28,11 +26,10 @@ std::uint32_t phaseStepOf(ToneRig& rig, std::size_t n)
     rig.render(1, 1);
     return rig.slot().lfoPhase[n] - before;
 }
-
-void expectStep(std::uint32_t step, double hz, const std::string& what)
+void expectHz(double hz, ToneRig& rig, std::size_t n = 0)
 {
-    const double expected = static_cast<double>(stepOfHz(hz));
-    EXPECT_NEAR(static_cast<double>(step), expected, 1.0 + 2e-6 * expected) << what;
+    const double expected = stepOfHz(hz);
+    EXPECT_NEAR(phaseStepOf(rig, n), expected, 1.0 + 2e-6 * expected) << hz << " Hz";
 }
 
 TEST(Lfo, freeRatesRunFromATenthToAHundredHertz)
@@ -44,15 +41,14 @@ TEST(Lfo, freeRatesRunFromATenthToAHundredHertz)
             rig.set(lfoId(n, kLfo1Rate), setting);
             rig.set(lfoId(n, kLfo1Sync), 0.0f);
             rig.on(60);
-            expectStep(phaseStepOf(rig, static_cast<std::size_t>(n)), hz, std::to_string(setting));
+            expectHz(hz, rig, static_cast<std::size_t>(n));
         }
 }
 
 TEST(Lfo, syncedDivisionsFollowTheTempo)
 {
-    // Whole notes of the plain lengths, longest first; each comes dotted, plain and as a triplet.
-    const double plain[] = {8.0, 4.0, 2.0, 1.0, 0.5, 0.25, 0.125, 0.0625, 0.03125};
-    const double kinds[] = {1.5, 1.0, 2.0 / 3.0};
+    // Beats of the longest division; each length comes dotted, plain and as a triplet, then halves.
+    const double kinds[] = {48.0, 32.0, 64.0 / 3.0};
     ToneRig rig;
     rig.set(kLfo1Sync, 1.0f);
     rig.on(60);
@@ -60,26 +56,24 @@ TEST(Lfo, syncedDivisionsFollowTheTempo)
         for (int index = 0; index < 27; ++index) {
             rig.tempo = tempo;
             rig.set(kLfo1Rate, static_cast<float>((index + 0.3) / 26.001));
-            const double beats = 4.0 * plain[index / 3] * kinds[index % 3];
-            expectStep(phaseStepOf(rig, 0), tempo / 60.0 / beats, "index " + std::to_string(index));
+            expectHz(tempo / 60.0 / (kinds[index % 3] / std::exp2(index / 3)), rig);
         }
     rig.tempo = 120.0;
     rig.set(kLfo1Rate, 1.0f);
-    expectStep(phaseStepOf(rig, 0), 24.0, "last");
+    expectHz(24.0, rig); // the last
     rig.set(kLfo1Rate, 0.0f);
-    expectStep(phaseStepOf(rig, 0), 1.0 / 24.0, "first");
-    // A row moves the division of its voice, clamped to the ends.
+    expectHz(1.0 / 24.0, rig); // the first
     rig.setRow(1, kConst, 34, 1.0);
-    expectStep(phaseStepOf(rig, 0), 24.0, "moved");
+    expectHz(24.0, rig); // moved by a row, clamped to the end
     rig.setRow(1, 0, 0, 0.0);
-    expectStep(phaseStepOf(rig, 0), 1.0 / 24.0, "back");
+    expectHz(1.0 / 24.0, rig);
 }
 
 TEST(Lfo, tablesFollowShapeAndSkew)
 {
     ToneRig rig;
     for (const float skew : {0.0f, 0.25f, 0.5f, 1.0f}) {
-        const double v = static_cast<double>(skew);
+        const double v = skew;
         const int high = static_cast<int>(2032.0 * v) + 8;
         const auto table = [&](int shape) -> const std::array<float, kTableSize + 1>& {
             rig.set(kLfo1Shape, shapeValue(shape));
@@ -91,8 +85,7 @@ TEST(Lfo, tablesFollowShapeAndSkew)
             const double ramp = 1.0 - i / 2047.0;
             const double saw = 2.0 * (std::pow(ramp, 0.25 * std::pow(16.0, v)) - 0.5);
             // A step of the grid shows most where the root is steepest.
-            ASSERT_NEAR(static_cast<double>(table(0)[static_cast<std::size_t>(i)]), saw,
-                        i > 2040 ? 2e-2 : 2e-4)
+            ASSERT_NEAR(table(0)[static_cast<std::size_t>(i)], saw, i > 2040 ? 2e-2 : 2e-4)
                 << skew << ' ' << i;
             if (i > 64 && i < 2032)
                 i += 30; // the ends matter
@@ -105,8 +98,7 @@ TEST(Lfo, tablesFollowShapeAndSkew)
         for (int i = 0; i < 2048; i += 31) {
             const double s = 0.999 * std::sin(2.0 * kPi * i / 2048.0);
             const double bent = std::copysign(std::pow(std::abs(s), 0.5 * std::pow(4.0, v)), s);
-            ASSERT_NEAR(static_cast<double>(sine[static_cast<std::size_t>(i)]), bent, 1e-4)
-                << skew << ' ' << i;
+            ASSERT_NEAR(sine[static_cast<std::size_t>(i)], bent, 1e-4) << skew << ' ' << i;
         }
     }
 }
@@ -151,8 +143,7 @@ TEST(Lfo, resetStartsThePhaseWithTheNoteAndOnlyThen)
         rig.on(60);
         rig.render(1, 1);
         const std::uint32_t start = reset ? 0u : 0x40000000u;
-        EXPECT_EQ(rig.slot().lfoPhase[0],
-                  start + stepOfHz(static_cast<double>(rig.record().lfo[0].frequency.hz)));
+        EXPECT_EQ(rig.slot().lfoPhase[0], start + stepOfHz(rig.record().lfo[0].frequency.hz));
     }
 }
 
@@ -185,13 +176,13 @@ TEST(Lfo, sampleAndHoldDrawsAtTheStartAndAtEveryWrap)
     };
     for (const float skew : {0.0f, 0.5f, 1.0f}) {
         rig.set(kLfo1Skew, skew);
-        const double corner = std::pow(100000.0, 1.0 - static_cast<double>(skew));
+        const double corner = std::pow(100000.0, 1.0 - skew);
         const double k = 1.0 - std::exp(-2.0 * kPi * corner / kRate);
         int draws = 0;
         for (int call = 0; call < 70; ++call) {
             const VoiceSlot& slot = rig.slot();
-            double held = static_cast<double>(slot.lfoHeld[0]);
-            const double smoothed = static_cast<double>(slot.lfoSmoothed[0]);
+            double held = slot.lfoHeld[0];
+            const double smoothed = slot.lfoSmoothed[0];
             const std::uint64_t end =
                 slot.lfoPhase[0] + static_cast<std::uint64_t>(stepOfHz(100.0)) * 64u;
             if (rig.record().voiceNote[0].age == 0 || end > 0xFFFFFFFFull) {
@@ -199,10 +190,8 @@ TEST(Lfo, sampleAndHoldDrawsAtTheStartAndAtEveryWrap)
                 ++draws;
             }
             rig.render(64, 64);
-            ASSERT_NEAR(static_cast<double>(slot.lfoHeld[0]), held, 1e-6) << call;
-            ASSERT_NEAR(static_cast<double>(slot.lfoSmoothed[0]), smoothed + (held - smoothed) * k,
-                        1e-5)
-                << call;
+            ASSERT_NEAR(slot.lfoHeld[0], held, 1e-6) << call;
+            ASSERT_NEAR(slot.lfoSmoothed[0], smoothed + (held - smoothed) * k, 1e-5) << call;
         }
         EXPECT_NEAR(draws, 70 * 64 / 441, 1);
     }

@@ -14,7 +14,6 @@ namespace tolm {
 namespace {
 
 constexpr int kTouch = 5;
-constexpr int kConst = 7;
 constexpr int kVolumeSum = 3;
 
 class Matrix : public ::testing::Test {

@@ -7,8 +7,6 @@
 namespace tolm {
 namespace {
 
-constexpr int kConst = 7; // matrix source
-
 // Triangle pulse of `seconds` rise and fall through a one-pole low-pass, scaled to `peak`.
 std::vector<double> spike(double seconds, double hz, double peak, double rate)
 {

@@ -10,6 +10,9 @@
 
 namespace tolm {
 
+inline constexpr double kRate = 44100.0;
+inline constexpr int kConst = 7; // matrix source that is always 1
+
 struct Stereo {
     std::vector<float> left;
     std::vector<float> right;
@@ -19,7 +22,7 @@ class EngineRig : public EngineOwner {
 public:
     // Program "Init Patch" at the given rate. Its velocity row is taken out, so that a voice's gain
     // is known.
-    explicit EngineRig(double rateHz = 44100.0) : engine(*this)
+    explicit EngineRig(double rateHz = kRate) : engine(*this)
     {
         engine.setSampleRate(rateHz);
         engine.resetVoices();
@@ -29,6 +32,12 @@ public:
     }
 
     void set(int id, float value) { setParameter(id, value); }
+    // Neighbouring ids, as the four of an envelope.
+    void setFrom(int firstId, std::initializer_list<float> values)
+    {
+        for (const float value : values)
+            set(firstId++, value);
+    }
     // Row 1..24: source and destination ids, amount -1..1, voice-mask id.
     void setRow(int row, int source, int destination, double amount, int voices = 0)
     {

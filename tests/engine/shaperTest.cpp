@@ -8,7 +8,6 @@
 namespace tolm {
 namespace {
 
-constexpr double kRate = 44100.0;
 constexpr int kFrames = 600;
 
 // The saw of oscillator 1 behind the shaper of a filter type with an open low-pass.

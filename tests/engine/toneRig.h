@@ -24,11 +24,27 @@ inline double svfCoefficientAt(double index, double rateHz)
     return 2.0 * std::sin(kPi * hz / (3.0 * rateHz));
 }
 
+// The two-pole low-pass without resonance, frame by frame.
+class SvfModel {
+public:
+    double low(double x, double cutoff)
+    {
+        const double index = std::clamp(std::trunc(cutoff * 2048.0), 0.0, 2047.0);
+        const double f = svfCoefficientAt(index, kRate);
+        band_ += f * (x - low_ - band_);
+        return low_ += f * band_;
+    }
+
+private:
+    double low_ = 0.0;
+    double band_ = 0.0;
+};
+
 // Trunc of pitch (1/128 semitone) to the phase step of one frame.
 inline std::uint32_t stepOfPitch(int pitch, double rateHz)
 {
     const auto hz = static_cast<float>(1.021974609375 * std::exp2(pitch / 1536.0));
-    return static_cast<std::uint32_t>(static_cast<double>(hz) * 4294967296.0 / rateHz);
+    return static_cast<std::uint32_t>(double{hz} * kPhaseTurn / rateHz);
 }
 inline int pitchOfKey(int key)
 {
@@ -37,7 +53,7 @@ inline int pitchOfKey(int key)
 
 class ToneRig : public EngineRig {
 public:
-    explicit ToneRig(double rateHz = 44100.0) : EngineRig(rateHz), rateHz_(rateHz)
+    explicit ToneRig(double rateHz = kRate) : EngineRig(rateHz), rateHz_(rateHz)
     {
         for (int id : {kOsc1Fat, kOsc2Fat, kOsc3Level, kOscMix, kNoiseColour, kNoiseLevel, kRingMod,
                        kOscFm, kFilterKeytrack, kFilterResonance, kFilterEnvAmount, kOscSync,
@@ -70,7 +86,7 @@ public:
         const Stereo out = render(frames, block);
         std::vector<double> x;
         for (const float sample : out.left) {
-            const double lp = static_cast<double>(sample) / kVoiceGain;
+            const double lp = sample / kVoiceGain;
             const double bp = (lp - lp_) / f;
             const double hp = (bp - bp_) / f;
             x.push_back(hp + lp_ + bp_);
