@@ -94,15 +94,16 @@ TEST_F(Matrix, modEnvelopeOfNoAttackReadsOneFromTheFirstBlock)
     EXPECT_FALSE(sums().usesModEnvelope);
 }
 
+using M = const VoiceModulation&;
+
 struct Destination {
     int id;
-    double expected; // at amount 0.375 and source 0.5, from the settings of `start`
-    std::function<double(const VoiceModulation&)> read;
+    double expected;
+    std::function<double(M)> read;
 };
 
 TEST_F(Matrix, everyDestinationHasItsEffect)
 {
-    using M = const VoiceModulation&;
     start.lfo = {0.5, -0.5, 0.8};
     start.noiseLevel = start.osc3Level = start.filterOffset = start.panSpread = 0.25;
     start.wavePosition = {2048, 4096};
@@ -113,58 +114,58 @@ TEST_F(Matrix, everyDestinationHasItsEffect)
     const double a = 0.375, s = 0.5, square = a * a;
     const double t = a * s * 0.8;
     const Destination table[] = {
-        {1, 37 * 64, [](M m) { return double(m.pitch); }},
-        {2, 24, [](M m) { return double(m.pitch); }},
+        {1, 37 * 64, [](M m) { return m.pitch; }},
+        {2, 24, [](M m) { return m.pitch; }},
         {3, a * s, [](M m) { return m.volume; }},
         {4, a * s, [](M m) { return m.pan; }},
         {5, square * s, [](M m) { return m.cutoff; }},
         {6, square * s, [](M m) { return m.filterEnv; }},
-        {7, 12, [](M m) { return double(m.detune); }},
+        {7, 12, [](M m) { return m.detune; }},
         {8, a * s, [](M m) { return m.oscMix; }},
-        {9, 12, [](M m) { return double(m.pitch); }},
+        {9, 12, [](M m) { return m.pitch; }},
         {10, square * -0.5 * s, [](M m) { return m.cutoff; }},
-        {11, 37 * 64, [](M m) { return double(m.oscPitch[0]); }},
-        {12, 37 * 64, [](M m) { return double(m.oscPitch[1]); }},
+        {11, 37 * 64, [](M m) { return m.oscPitch[0]; }},
+        {12, 37 * 64, [](M m) { return m.oscPitch[1]; }},
         {14, a * s, [](M m) { return m.ringMod; }},
-        {15, 2048 + 512 * 37, [](M m) { return double(m.wavePosition[0]); }},
-        {16, 4096 + 512 * 37, [](M m) { return double(m.wavePosition[1]); }},
-        {17, a * s, [](M m) { return double(m.amp.attack); }},
-        {18, a * s, [](M m) { return double(m.amp.decay); }},
-        {19, 0.1 + a * s, [](M m) { return double(m.amp.sustain); }},
-        {20, a * s, [](M m) { return double(m.amp.release); }},
-        {21, a * s, [](M m) { return double(m.filter.attack); }},
-        {22, a * s, [](M m) { return double(m.filter.decay); }},
-        {23, a * s, [](M m) { return double(m.filter.sustain); }},
-        {24, a * s, [](M m) { return double(m.filter.release); }},
+        {15, 2048 + 512 * 37, [](M m) { return m.wavePosition[0]; }},
+        {16, 4096 + 512 * 37, [](M m) { return m.wavePosition[1]; }},
+        {17, a * s, [](M m) { return m.amp.attack; }},
+        {18, a * s, [](M m) { return m.amp.decay; }},
+        {19, 0.1 + a * s, [](M m) { return m.amp.sustain; }},
+        {20, a * s, [](M m) { return m.amp.release; }},
+        {21, a * s, [](M m) { return m.filter.attack; }},
+        {22, a * s, [](M m) { return m.filter.decay; }},
+        {23, a * s, [](M m) { return m.filter.sustain; }},
+        {24, a * s, [](M m) { return m.filter.release; }},
         {25, a * s, [](M m) { return m.pulseWidth; }},
         {26, a * s, [](M m) { return m.resonance; }},
         {27, 0.25 + a * s, [](M m) { return m.noiseLevel; }},
         {28, 1.0 + t * t, [](M m) { return m.lfo3Amp; }},
         {29, a * 0.8 * s, [](M m) { return m.pan; }},
         {30, 4.0 * a * s, [](M m) { return m.fmOn ? m.fm1 : -1.0; }},
-        {31, 826, [](M m) { return double(m.holdFrames); }},
+        {31, 826, [](M m) { return m.holdFrames; }},
         {34, 0.5 + a * s, [](M m) { return m.lfoRateModulated[0] ? m.lfoRate[0] : -1.0; }},
         {35, 0.6 + a * s, [](M m) { return m.lfoRateModulated[1] ? m.lfoRate[1] : -1.0; }},
         {36, 0.7 + a * s, [](M m) { return m.lfoRateModulated[2] ? m.lfoRate[2] : -1.0; }},
         {37, 0.25 + a * s, [](M m) { return m.osc3Level; }},
         {38, 0.5 * square * s, [](M m) { return m.pulseWidth; }},
-        {39, 32 * 37, [](M m) { return double(m.pitch); }},
+        {39, 32 * 37, [](M m) { return m.pitch; }},
         {41, a * s, [](M m) { return m.comb; }},
         {42, square * -0.5 * s, [](M m) { return m.filterEnv; }},
-        {47, 24, [](M m) { return double(m.oscPitch[0]); }},
-        {48, 24, [](M m) { return double(m.oscPitch[1]); }},
-        {49, 64 + 1536, [](M m) { return double(m.fatAmount[0]); }},
+        {47, 24, [](M m) { return m.oscPitch[0]; }},
+        {48, 24, [](M m) { return m.oscPitch[1]; }},
+        {49, 64 + 1536, [](M m) { return m.fatAmount[0]; }},
         {49, 1.001875, [](M m) { return m.fatFactor[0]; }},
-        {50, 128 + 1536, [](M m) { return double(m.fatAmount[1]); }},
+        {50, 128 + 1536, [](M m) { return m.fatAmount[1]; }},
         {51, 0.25 + a * s, [](M m) { return m.filterOffset; }},
         {52, a * s, [](M m) { return m.fmOn ? m.fm2 : -1.0; }},
-        {53, 192, [](M m) { return double(m.keytrack[0]); }},
-        {54, 192, [](M m) { return double(m.keytrack[1]); }},
+        {53, 192, [](M m) { return m.keytrack[0]; }},
+        {54, 192, [](M m) { return m.keytrack[1]; }},
         {55, square * s, [](M m) { return m.hardSpike ? -1.0 : m.spike; }},
-        {57, a * s, [](M m) { return double(m.mod.attack); }},
-        {58, a * s, [](M m) { return double(m.mod.decay); }},
-        {59, a * s, [](M m) { return double(m.mod.sustain); }},
-        {60, a * s, [](M m) { return double(m.mod.release); }},
+        {57, a * s, [](M m) { return m.mod.attack; }},
+        {58, a * s, [](M m) { return m.mod.decay; }},
+        {59, a * s, [](M m) { return m.mod.sustain; }},
+        {60, a * s, [](M m) { return m.mod.release; }},
         {85, square * s, [](M m) { return m.hardSpike ? m.spike : -1.0; }},
         {86, 1.0 + a * s, [](M m) { return m.effectsSend; }},
         {88, 0.9, [](M m) { return m.levelExponent; }}, // 0.9375 meets its cap
@@ -172,7 +173,7 @@ TEST_F(Matrix, everyDestinationHasItsEffect)
         {90, 0.25 + a * s, [](M m) { return m.panSpread; }},
         {91, a * s, [](M m) { return m.fmDepth; }},
         {92, a * s, [](M m) { return m.filterKeytrack; }},
-        {93, 1.0, [](M m) { return double(m.oneShot); }},
+        {93, 1.0, [](M m) { return m.oneShot; }},
     };
     std::set<int> covered{0, 13, 32, 33, 43, 44, 45, 87, 46, 94, 95, 96}; // elsewhere in this file
     for (int id = kFirstAmountDestination; id < kFirstAmountDestination + kMatrixRows; ++id)
@@ -190,23 +191,25 @@ TEST_F(Matrix, everyDestinationHasItsEffect)
 TEST_F(Matrix, negativeAmountsKeepOrDropTheirSign)
 {
     start.lfo = {1.0, 1.0, 1.0};
-    const auto with = [this](int destination) {
-        rig.setRow(1, kConst, destination, -0.5);
-        return sums();
+    const Destination table[] = {
+        {5, -0.25, [](M m) { return m.cutoff; }},
+        {27, 0.0, [](M m) { return m.noiseLevel; }},
+        {28, 0.75, [](M m) { return m.lfo3Amp; }},
+        {30, -2.0, [](M m) { return m.fm1; }},
+        {31, 0, [](M m) { return m.holdFrames; }},
+        {38, 0.25, [](M m) { return m.pulseWidth; }},
+        {50, 0, [](M m) { return m.fatAmount[1]; }},
+        {55, 0.25, [](M m) { return m.spike; }},
+        {88, -2.5, [](M m) { return m.levelExponent; }}, // no lower bound
+        {93, 0, [](M m) { return m.oneShot; }},
     };
-    EXPECT_DOUBLE_EQ(with(5).cutoff, -0.25);
-    EXPECT_DOUBLE_EQ(with(38).pulseWidth, 0.25);
-    EXPECT_DOUBLE_EQ(with(28).lfo3Amp, 0.75);
-    EXPECT_DOUBLE_EQ(with(55).spike, 0.25);
-    EXPECT_DOUBLE_EQ(with(88).levelExponent, -2.5); // no lower bound
-    EXPECT_EQ(with(27).noiseLevel, 0.0);
-    EXPECT_EQ(with(31).holdFrames, 0);
-    EXPECT_EQ(with(50).fatAmount[1], 0);
-    EXPECT_FALSE(with(93).oneShot);
-    EXPECT_DOUBLE_EQ(with(30).fm1, -2.0);
+    for (const Destination& row : table) {
+        rig.setRow(1, kConst, row.id, -0.5);
+        EXPECT_DOUBLE_EQ(row.read(sums()), row.expected) << row.id;
+    }
 }
 
-TEST_F(Matrix, amountsTruncateToWholeSemitonesFirst)
+TEST_F(Matrix, pitchAmountsTruncateToWholeSemitonesAndPanCentresUnipolarSources)
 {
     for (const auto& [amount, semis] :
          {std::pair{0.12, 12}, {0.125, 12}, {-0.125, -12}, {0.1, 10}}) {
@@ -221,12 +224,7 @@ TEST_F(Matrix, amountsTruncateToWholeSemitonesFirst)
         const VoiceModulation m = sums();
         EXPECT_EQ(m.pitch + m.oscPitch[0] + m.oscPitch[1], 12 * 128);
     }
-}
-
-TEST_F(Matrix, panCentresUnipolarSources)
-{
-    r.foot = 0.25;
-    r.aftertouch = 0.25;
+    r.foot = r.aftertouch = 0.25;
     rig.setRow(1, 11, 4, 1.0);
     EXPECT_DOUBLE_EQ(sums().pan, -0.5);
     rig.setRow(1, kTouch, 4, 1.0);
@@ -238,14 +236,9 @@ TEST_F(Matrix, rowsActFromTheLastToTheFirst)
     rig.setRow(2, kConst, 53, 0.25);
     rig.setRow(9, kConst, 53, 0.5);
     EXPECT_EQ(sums().keytrack[0], 256); // the lower-numbered row is the last
-    rig.setRow(9, 0, 53, 0.5);
-    EXPECT_EQ(sums().keytrack[0], 256);
-}
 
-TEST_F(Matrix, amountRowsScaleRowsBelowThem)
-{
     rig.setRow(3, kConst, kVolumeSum, 0.5);
-    rig.setRow(7, kTouch, 60 + 3, 1.0);
+    rig.setRow(7, kTouch, 60 + 3, 1.0); // scales row 3
     r.aftertouch = 0.0;
     EXPECT_EQ(sums().volume, 0.0);
     r.aftertouch = 0.5;

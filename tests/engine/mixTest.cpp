@@ -178,6 +178,54 @@ TEST(VoiceMix, aSilentCallClearsTheBusesAndCountsItsFrames)
     EXPECT_EQ(rig.record().sampleClock, 50);
 }
 
+// The spike does not pass through the amplitude envelope: it is there before the attack has begun.
+// Its table is a triangle pulse through a one-pole low-pass, scaled to a peak.
+TEST(VoiceMix, spikeAddsItsTableTimesTheSoundBesideTheEnvelope)
+{
+    struct Spike {
+        int destination;
+        double riseSeconds, lowpassHz, peak;
+    };
+    for (const double rate : {44100.0, 96000.0})
+        for (const Spike& spike : {Spike{55, 0.00025, 60.0, 1.0}, Spike{85, 0.00005, 300.0, 1.6}}) {
+            const int rise = static_cast<int>(spike.riseSeconds * rate);
+            const double w = std::tan(kPi * spike.lowpassHz / rate);
+            std::vector<double> table(static_cast<std::size_t>(rate * 1024.0 / 44100.0));
+            double input = 0.0;
+            double output = 0.0;
+            for (std::size_t i = 0; i < table.size(); ++i) {
+                const double last = input;
+                input = std::max(0.0, 1.0 - std::abs(static_cast<double>(i) - rise) / rise);
+                output = (w * (input + last) - (w - 1.0) * output) / (w + 1.0);
+                table[i] = output;
+            }
+            const double scale = spike.peak / *std::max_element(table.begin(), table.end());
+
+            ToneRig plain(rate);
+            ToneRig spiked(rate);
+            spiked.setRow(1, kConst, spike.destination, 0.5); // a quarter
+            for (ToneRig* rig : {&plain, &spiked}) {
+                rig->set(kAmpAttack, 0.3f);
+                // The hard one would start the filter envelope at its top; it moves nothing here.
+                rig->set(kFilterEnvAmount, 0.0f);
+            }
+            plain.hold(60).osc1Phase = 0;
+            spiked.on(60);
+            spiked.slot().osc1Phase = 0;
+            const int frames = static_cast<int>(table.size()) + 64;
+            const Stereo full = plain.render(frames);
+            const Stereo out = spiked.render(frames);
+            const double ms = 2.0 * std::pow(10000.0, std::trunc(0.3 * 1024.0) / 1024.0);
+            double envelope = 0.0;
+            for (std::size_t i = 0; i < out.left.size(); ++i) {
+                envelope = 1.0 - (1.0 - envelope) * std::pow(0.1, 1000.0 / (ms * rate));
+                const double added = i < table.size() ? 0.25 * scale * table[i] : 0.0;
+                ASSERT_NEAR(out.left[i], full.left[i] * (envelope + added), 2e-5)
+                    << spike.destination << " at " << rate << ", frame " << i;
+            }
+        }
+}
+
 // ---- Output stage ---------------------------------------------------------------------------
 
 // Runs ones through the output stage.

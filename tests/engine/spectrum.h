@@ -29,7 +29,7 @@ inline double rms(std::span<const float> signal)
 {
     double sum = 0.0;
     for (const float x : signal)
-        sum += static_cast<double>(x) * static_cast<double>(x);
+        sum += double{x} * double{x};
     return std::sqrt(sum / static_cast<double>(signal.size()));
 }
 
@@ -37,27 +37,8 @@ inline double peak(std::span<const float> signal)
 {
     double highest = 0.0;
     for (const float x : signal)
-        highest = std::max(highest, std::abs(static_cast<double>(x)));
+        highest = std::max(highest, double{std::abs(x)});
     return highest;
-}
-
-// Frequency of a steady tone near `guess`, from the phase that it gains between two windows.
-inline double frequencyOf(std::span<const float> signal, double guess, double rateHz)
-{
-    const std::size_t half = signal.size() / 2;
-    const auto phasor = [&](std::size_t start) {
-        std::complex<double> sum = 0.0;
-        for (std::size_t i = 0; i < half; ++i) {
-            const double w = 0.5 - 0.5 * std::cos(2.0 * std::numbers::pi * static_cast<double>(i) /
-                                                  static_cast<double>(half));
-            const double t = static_cast<double>(start + i);
-            sum += w * static_cast<double>(signal[start + i]) *
-                   std::polar(1.0, -2.0 * std::numbers::pi * guess * t / rateHz);
-        }
-        return sum;
-    };
-    const double turn = std::arg(phasor(half) / phasor(0));
-    return guess + turn / (2.0 * std::numbers::pi) * rateHz / static_cast<double>(half);
 }
 
 inline double db(double ratio)
