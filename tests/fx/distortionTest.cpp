@@ -84,51 +84,28 @@ Distortion distortion(int type, float colour, float drive, float amount)
 
 TEST(Distortion, everyTypeFollowsItsCurveAndToneFilter)
 {
-    for (int type = 0; type < Distortion::kTypeCount; ++type) {
-        for (const float colour : {0.4f, 1.0f}) {
+    for (int type = 0; type < Distortion::kTypeCount; ++type)
+        for (const float colour : {0.4f, 1.0f})
             for (const float drive : {0.0f, 0.35f, 1.0f}) {
                 SCOPED_TRACE(testing::Message() << type << " " << colour << " " << drive);
                 Distortion d = distortion(type, colour, drive, 1.0f);
                 const bool highpass = type % 2 == 1;
-                const double c = static_cast<double>(colour);
-                const double hz = highpass ? std::pow(2000.0, c) : 100.0 * std::pow(200.0, c);
+                const double hz =
+                    highpass ? std::pow(2000.0, colour) : 100.0 * std::pow(200.0, colour);
                 Section first =
                     highpass || colour < 0.999f ? Section::make(highpass, hz) : Section{};
                 Section second = first;
                 Section dc = Section::make(true, 5.0);
-
                 Stereo signal = Stereo::noise(3000, 1.2f);
-                const Stereo input = signal;
+                std::fill_n(signal.left.begin(), 100, 0.0f); // silence stays silent
+                std::vector<float> expected;
+                for (const float x : signal.left)
+                    expected.push_back(
+                        static_cast<float>(model(type, drive, x, first, second, dc)));
                 signal.inBlocks([&](int n, float* const* ch) { d.process(n, ch); });
-                double worst = 0.0;
-                for (std::size_t i = 0; i < input.left.size(); ++i) {
-                    const double x = static_cast<double>(input.left[i]);
-                    const double y = model(type, static_cast<double>(drive), x, first, second, dc);
-                    worst = std::max(worst, std::abs(y - static_cast<double>(signal.left[i])));
-                }
-                EXPECT_LT(worst, 2e-5); // rounding of single precision, amplified by the drive
+                // Rounding of single precision, amplified by the drive.
+                EXPECT_LT(distance(signal.left, expected), 2e-5f);
             }
-        }
-    }
-}
-
-TEST(Distortion, toneFilterIsThreeDecibelsDownPerStageAtItsCorner)
-{
-    for (const int type : {6, 7}) {
-        Distortion d = distortion(type, 0.5f, 0.5f, 1.0f); // drive in the middle: gain 1
-        Stereo s = Stereo::impulse(8192, 1.0f, 1.0f);
-        s.inOneBlock([&](int n, float* const* ch) { d.process(n, ch); });
-        const double hz = type == 6 ? std::sqrt(100.0 * 20000.0) : std::sqrt(2000.0);
-        EXPECT_NEAR(decibels(magnitudeAt(s.right, hz, kRate)), -6.02, 0.02);
-    }
-}
-
-TEST(Distortion, silenceStaysSilentThroughTheBiasedCurve)
-{
-    Distortion d = distortion(4, 1.0f, 0.9f, 1.0f);
-    Stereo s(256);
-    s.inBlocks([&](int n, float* const* ch) { d.process(n, ch); });
-    EXPECT_LT(s.peak(), 1e-9f);
 }
 
 TEST(Distortion, amountJumpsInTheFirstBlockAndRampsLater)
@@ -136,8 +113,7 @@ TEST(Distortion, amountJumpsInTheFirstBlockAndRampsLater)
     Distortion d = distortion(6, 1.0f, 1.0f, 0.0f); // open low-pass, gain 4
     Stereo s(100);
     const auto ones = [&] {
-        std::fill(s.left.begin(), s.left.end(), 1.0f);
-        std::fill(s.right.begin(), s.right.end(), 1.0f);
+        s.fill(1.0f);
         s.inOneBlock([&](int n, float* const* ch) { d.process(n, ch); });
     };
     ones();

@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
-
 namespace tolm {
 
 namespace {
@@ -31,12 +29,13 @@ struct Rig {
         for (const int id : kSwitches)
             set(id, value);
     }
-    void run(Stereo& s, std::initializer_list<int> slots, float tempo = 120.0f)
+    Stereo run(Stereo s, std::initializer_list<int> slots, float tempo = 120.0f)
     {
         s.inBlocks([&](int n, float* const* ch) {
             for (const int slot : slots)
                 chain.process(slot, n, ch, tempo, modulation);
         });
+        return s;
     }
 };
 
@@ -73,28 +72,20 @@ TEST(EffectChain, everySettingReachesItsEffect)
         rig.switchAll(1.0f);
         if (changedId >= 0)
             rig.set(changedId, 0.8f);
-        Stereo s = Stereo::noise(18000, 0.5f);
-        rig.run(s, {static_cast<int>(kind)}, 960.0f);
-        return s;
+        return rig.run(Stereo::noise(18000, 0.5f), {static_cast<int>(kind)}, 960.0f);
     };
     for (const EffectKind kind : kKinds) {
         const Stereo plain = sound(-1, kind);
-        for (const Row& row : rows) {
+        for (const Row& row : rows)
             for (int id = row.first; id <= row.last; ++id) {
-                // The Q only shapes the peaking type.
-                const Stereo changed = sound(id, kind);
-                const float change = std::max(distance(plain.left, changed.left),
-                                              distance(plain.right, changed.right));
-                if (row.kind == kind)
-                    EXPECT_GT(change, 1e-4f) << id;
-                else
-                    EXPECT_EQ(change, 0.0f) << id;
+                const float change = distance(plain, sound(id, kind));
+                EXPECT_EQ(change > 1e-4f, row.kind == kind) << id;
+                EXPECT_TRUE(row.kind == kind || change == 0.0f) << id;
             }
-        }
     }
 }
 
-TEST(EffectChain, slotsRunInOrderTwiceOrNotAtAll)
+TEST(EffectChain, slotsRunOnceTwiceOrNotAtAll)
 {
     Rig rig;
     rig.switchAll(1.0f);
@@ -103,35 +94,13 @@ TEST(EffectChain, slotsRunInOrderTwiceOrNotAtAll)
     rig.set(kDistDrive, 1.0f); // times 4
     rig.set(kDistAmount, 1.0f);
     const auto firstSample = [&](std::initializer_list<int> slots) {
-        Stereo s = Stereo::impulse(1, 0.125f, 0.0f);
-        rig.run(s, slots);
-        return s.left[0];
+        return rig.run(Stereo::impulse(1, 0.125f, 0.0f), slots).left[0];
     };
     EXPECT_NEAR(firstSample({0}), 0.5f, 1e-6f);
     EXPECT_NEAR(firstSample({0, 0}), 2.0f, 1e-5f);
     EXPECT_EQ(firstSample({-1, 6, 7, 1000000}), 0.125f);
     rig.set(kDistOn, 0.0f);
     EXPECT_EQ(firstSample({0, 0}), 0.125f);
-}
-
-// A clipper before and after a 10 dB boost are two different sounds.
-TEST(EffectChain, orderOfSlotsIsHeard)
-{
-    const auto peak = [](std::initializer_list<int> slots) {
-        Rig rig;
-        rig.switchAll(1.0f);
-        rig.set(kEq1Type, 0.5f); // low shelf
-        rig.set(kEq1Type + 1, 1.0f);
-        rig.set(kEq1Type + 3, 1.0f);
-        rig.set(kDistType, 0.0f);
-        rig.set(kDistColour, 1.0f);
-        rig.set(kDistAmount, 1.0f); // tanh(x)
-        Stereo s = Stereo::sine(4000, 100.0, 44100.0);
-        rig.run(s, slots);
-        return s.peak();
-    };
-    EXPECT_NEAR(peak({1, 0}), std::tanh(std::sqrt(10.0)), 0.01);
-    EXPECT_NEAR(peak({0, 1}), std::tanh(1.0) * std::sqrt(10.0), 0.03);
 }
 
 TEST(EffectChain, switchingOffKeepsTheState)
@@ -141,17 +110,12 @@ TEST(EffectChain, switchingOffKeepsTheState)
     rig.set(kDelayType + 1, 0.5f); // colour
     rig.set(kDelayType + 3, 1.0f); // amount
     rig.set(kDelayRateLeft, 1.0f); // 1/64T: 20.8 ms at 120
-    Stereo s = Stereo::impulse(10, 1.0f, 0.0f);
-    rig.run(s, {4});
+    rig.run(Stereo::impulse(10, 1.0f, 0.0f), {4});
     rig.set(kDelayOn, 0.0f);
-    Stereo dry = Stereo::noise(500, 0.5f);
-    const Stereo before = dry;
-    rig.run(dry, {4});
-    EXPECT_EQ(dry.left, before.left);
+    const Stereo dry = Stereo::noise(500, 0.5f);
+    EXPECT_EQ(rig.run(dry, {4}).left, dry.left);
     rig.set(kDelayOn, 1.0f);
-    Stereo wet(1000);
-    rig.run(wet, {4});
-    EXPECT_NEAR(wet.left[918 - 10], 1.0f, 1e-6f);
+    EXPECT_NEAR(rig.run(Stereo(1000), {4}).left[918 - 10], 1.0f, 1e-6f);
 }
 
 TEST(EffectChain, resetClearsPhaserDelayAndReverbOnly)
@@ -160,15 +124,10 @@ TEST(EffectChain, resetClearsPhaserDelayAndReverbOnly)
     rig.setAll(0.4f);
     rig.switchAll(1.0f);
     for (const int slot : {0, 1, 2, 3, 4, 5}) {
-        Stereo s = Stereo::noise(6000, 0.5f);
-        rig.run(s, {slot});
+        rig.run(Stereo::noise(6000, 0.5f), {slot});
         rig.chain.reset();
-        Stereo quiet(6000);
-        rig.run(quiet, {slot});
-        if (slot < 3)
-            EXPECT_GT(quiet.peak(), 1e-6f) << slot;
-        else
-            EXPECT_LT(quiet.peak(), 1e-12f) << slot;
+        const float left = rig.run(Stereo(6000), {slot}).peak();
+        EXPECT_TRUE(slot < 3 ? left > 1e-6f : left < 1e-12f) << slot << ' ' << left;
     }
 }
 
@@ -184,10 +143,8 @@ TEST(EffectChain, rateChangeLeavesDefaultsUntilSettingsReturn)
     a.set(kReverbType + 2, 0.0f);
     a.chain.setSampleRate(48000.0);
     b.chain.setSampleRate(48000.0);
-    Stereo s = Stereo::impulse(30000, 1.0f, 1.0f);
-    Stereo t = s;
-    a.run(s, {5});
-    b.run(t, {5});
+    const Stereo s = a.run(Stereo::impulse(30000, 1.0f, 1.0f), {5});
+    const Stereo t = b.run(Stereo::impulse(30000, 1.0f, 1.0f), {5});
     EXPECT_LT(distance(s.left, t.left), 0.3f); // the diffuse taps are drawn anew
     EXPECT_NEAR(energy(s.left, 20000, 30000) / energy(t.left, 20000, 30000), 1.0, 0.1);
 }
@@ -199,9 +156,7 @@ TEST(EffectChain, extremesStayFiniteAndBounded)
     // Resonance amplifies: bands by 3 and when they jump by more, phasers by up to 100, delays up
     // to their limit, the longest reverb by the sum of 64 lines.
     constexpr float kBounds[] = {8.0f, 32.0f, 32.0f, 150.0f, 600.0f, 1000.0f};
-    std::array<float, kTableSize> lfo;
-    for (std::size_t i = 0; i < lfo.size(); ++i)
-        lfo[i] = i < kTableSize / 2 ? 1.0f : -1.0f;
+    const std::vector<float> lfo = squareLfo();
     Random dice(99);
     for (const double rate : {1000.0, 8000.0, 44100.0, 384000.0, 768000.0}) {
         for (int slot = 0; slot < 6; ++slot) {
@@ -218,9 +173,9 @@ TEST(EffectChain, extremesStayFiniteAndBounded)
                     rig.set(id,
                             draw < 3 ? kEnds[draw] : static_cast<float>(dice.next()) / 32767.0f);
                 }
-                Stereo s = Stereo::noise(1000, 1.0f, static_cast<std::uint32_t>(round));
-                rig.run(s, {slot}, round % 2 == 0 ? 1.0f : 1000.0f);
-                peak = std::max(peak, s.peak());
+                const Stereo noise = Stereo::noise(1000, 1.0f, static_cast<std::uint32_t>(round));
+                peak =
+                    std::max(peak, rig.run(noise, {slot}, round % 2 == 0 ? 1.0f : 1000.0f).peak());
             }
             EXPECT_LT(peak, kBounds[slot]);
             EXPECT_GT(peak, 0.5f);
@@ -234,32 +189,7 @@ TEST(EffectChain, settingsThatAreNoNumbersCountAsZero)
     rig.switchAll(1.0f);
     for (const float value : {NAN, INFINITY, -INFINITY, 1e30f, -1e30f}) {
         rig.setAll(value);
-        Stereo s = Stereo::noise(3000, 0.5f);
-        rig.run(s, {0, 1, 2, 3, 4, 5});
-        EXPECT_LT(s.peak(), 1e4f);
-    }
-}
-
-// Full feedback of each effect by itself, sounding on for long.
-TEST(EffectChain, longSustainAtFullFeedbackStaysBounded)
-{
-    for (const double rate : {8000.0, 44100.0}) {
-        for (int type = 0; type < 9; ++type) {
-            for (const int slot : {3, 4, 5}) {
-                Rig rig;
-                rig.chain.setSampleRate(rate);
-                rig.setAll(1.0f);
-                rig.switchAll(1.0f);
-                const float value = std::min(1.0f, (static_cast<float>(type) + 0.2f) / 8.0f);
-                rig.set(kPhaserType, value);
-                rig.set(kDelayType, value);
-                rig.set(kReverbType, value);
-                rig.set(kReverbType + 1, 0.0f); // damp
-                Stereo s = Stereo::noise(40000, 1.0f);
-                rig.run(s, {slot});
-                EXPECT_LT(s.peak(), 600.0f) << rate << " " << type << " " << slot;
-            }
-        }
+        EXPECT_LT(rig.run(Stereo::noise(3000, 0.5f), {0, 1, 2, 3, 4, 5}).peak(), 1e4f);
     }
 }
 

@@ -49,9 +49,9 @@ TEST(Equaliser, everyTypeHasTheResponseOfItsPrototype)
                     EqualiserBand b = band(rate, kTypeValues[type], frequency, 0.6f, gain);
                     Stereo s = Stereo::impulse(static_cast<std::size_t>(rate * 0.3), 1.0f, 0.0f);
                     s.inBlocks([&](int n, float* const* ch) { b.process(n, ch); });
-                    const double hz = 10.0 * std::pow(1000.0, static_cast<double>(frequency));
+                    const double hz = 10.0 * std::pow(1000.0, frequency);
                     const double q = 0.1 * std::pow(100.0, 0.6);
-                    const double g = std::pow(10.0, 0.5 * (2.0 * static_cast<double>(gain) - 1.0));
+                    const double g = std::pow(10.0, 0.5 * (2.0 * gain - 1.0));
                     for (const double at : {0.02, 0.1, 0.25, 0.45}) {
                         const std::complex<double> z = std::polar(1.0, -2.0 * kPi * at);
                         const auto expected =

@@ -82,7 +82,7 @@ public:
     void run(float& inLeft, float& inRight)
     {
         const double share = type_ == 1 ? 1.0 : 0.5;
-        const double x = (static_cast<double>(inLeft) + static_cast<double>(inRight)) * share;
+        const double x = (double{inLeft} + double{inRight}) * share;
         const auto conditioned = static_cast<float>(high_.run(low_.run(x)));
         ring_.write(&conditioned, 1);
         ReverbBuffer earlyLeft, earlyRight, tap{}, sumLeft{}, sumRight{};
@@ -92,15 +92,13 @@ public:
 
         const double sine = 0.999 * std::sin(2.0 * kPi * (phase_ >> 21) / 2048.0);
         phase_ += static_cast<std::uint32_t>(4294967296.0 / kRate * 0.5);
-        const double level = type_ == 1 ? static_cast<double>(lines_.mixedLevel()) : 1.0;
+        const double level = type_ == 1 ? lines_.mixedLevel() : 1.0;
         const double tail = type_ == 1 ? 1.0 : 0.0625;
-        const double l = left_.run(static_cast<double>(sumLeft[0]) * level, 2.0 * sine) * tail +
-                         static_cast<double>(earlyLeft[0]);
-        history_.push_back(right_.run(static_cast<double>(sumRight[0]) * level, 2.0 * sine) * tail +
-                           static_cast<double>(earlyRight[0]));
+        const double l = left_.run(sumLeft[0] * level, 2.0 * sine) * tail + earlyLeft[0];
+        history_.push_back(right_.run(sumRight[0] * level, 2.0 * sine) * tail + earlyRight[0]);
         const double r = history_[history_.size() - 1 - (type_ == 2 ? 0 : kSpread)];
-        inLeft = static_cast<float>((1.0 - wet_) * static_cast<double>(inLeft) + wet_ * l);
-        inRight = static_cast<float>((1.0 - wet_) * static_cast<double>(inRight) + wet_ * r);
+        inLeft = static_cast<float>((1.0 - wet_) * inLeft + wet_ * l);
+        inRight = static_cast<float>((1.0 - wet_) * inRight + wet_ * r);
     }
 
 private:

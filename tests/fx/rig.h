@@ -42,6 +42,11 @@ struct Stereo {
         return s;
     }
 
+    void fill(float value)
+    {
+        std::fill(left.begin(), left.end(), value);
+        std::fill(right.begin(), right.end(), value);
+    }
     int frames() const { return static_cast<int>(left.size()); }
     // fn(frames, channels) in blocks of uneven size, as hosts may send them.
     template <class Fn>
@@ -72,11 +77,19 @@ struct Stereo {
     }
 };
 
+// Sweeps the delay as far as it goes, in jumps.
+inline std::vector<float> squareLfo()
+{
+    std::vector<float> table(kTableSize, 1.0f);
+    std::fill(table.begin() + kTableSize / 2, table.end(), -1.0f);
+    return table;
+}
+
 inline double energy(const std::vector<float>& x, std::size_t from, std::size_t to)
 {
     double sum = 0.0;
     for (std::size_t i = from; i < to; ++i)
-        sum += static_cast<double>(x[i]) * static_cast<double>(x[i]);
+        sum += double{x[i]} * double{x[i]};
     return sum;
 }
 
@@ -92,7 +105,7 @@ inline double magnitudeAt(const std::vector<float>& response, double hz, double 
     std::complex<double> z = 1.0;
     std::complex<double> sum = 0.0;
     for (const float x : response) {
-        sum += static_cast<double>(x) * z;
+        sum += double{x} * z;
         z *= turn;
     }
     return std::abs(sum);
@@ -105,6 +118,10 @@ inline float distance(const std::vector<float>& a, const std::vector<float>& b)
     for (std::size_t i = 0; i < a.size(); ++i)
         most = std::max(most, std::abs(a[i] - b[i]));
     return most;
+}
+inline float distance(const Stereo& a, const Stereo& b)
+{
+    return std::max(distance(a.left, b.left), distance(a.right, b.right));
 }
 
 } // namespace tolm
