@@ -16,25 +16,28 @@ namespace {
 
 using Entry = vst2::AEffect* (*)(vst2::HostCallback);
 
-double squares(const std::vector<float>& samples, std::size_t from)
+// Energy of both channels from a frame on, or of their difference to other ones.
+double energyOf(const Stereo& s, std::size_t from, const Stereo* other = nullptr)
 {
     double sum = 0.0;
-    for (std::size_t i = from; i < samples.size(); ++i)
-        sum += static_cast<double>(samples[i]) * static_cast<double>(samples[i]);
-    return sum;
-}
-
-double squaredDifference(const std::vector<float>& a, const std::vector<float>& b)
-{
-    double sum = 0.0;
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        const double d = static_cast<double>(a[i]) - static_cast<double>(b[i]);
-        sum += d * d;
+    for (std::size_t i = from; i < s.frames(); ++i) {
+        const double left = double{s.left[i]} - (other ? other->left[i] : 0.0f);
+        const double right = double{s.right[i]} - (other ? other->right[i] : 0.0f);
+        sum += left * left + right * right;
     }
     return sum;
 }
 
 } // namespace
+
+std::vector<Message> messagesWithin(const std::vector<Message>& messages, int start, int end)
+{
+    std::vector<Message> due;
+    for (const Message& message : messages)
+        if (message.frame >= start && message.frame < end)
+            due.push_back({message.frame - start, message.bytes});
+    return due;
+}
 
 std::size_t firstSound(const Stereo& s)
 {
@@ -54,8 +57,7 @@ double peakOf(const Stereo& s, std::size_t from)
 
 double rmsOf(const Stereo& s, std::size_t from)
 {
-    const double frames = static_cast<double>(s.frames() - from);
-    return std::sqrt((squares(s.left, from) + squares(s.right, from)) / (2.0 * frames));
+    return std::sqrt(energyOf(s, from) / (2.0 * static_cast<double>(s.frames() - from)));
 }
 
 bool isFinite(const Stereo& s)
@@ -67,10 +69,8 @@ bool isFinite(const Stereo& s)
 
 double snrDb(const Stereo& reference, const Stereo& other)
 {
-    const double difference = squaredDifference(reference.left, other.left) +
-                              squaredDifference(reference.right, other.right);
-    const double level = squares(reference.left, 0) + squares(reference.right, 0);
-    return difference == 0.0 ? 300.0 : 10.0 * std::log10(level / difference);
+    const double difference = energyOf(reference, 0, &other);
+    return difference == 0.0 ? 300.0 : 10.0 * std::log10(energyOf(reference, 0) / difference);
 }
 
 void PluginRig::Closer::operator()(void* library) const
@@ -173,13 +173,7 @@ Stereo PluginRig::render(int frames, const std::vector<Message>& messages,
     std::size_t next = 0;
     for (int start = 0; start < frames;) {
         const int length = std::min(blocks[next++ % blocks.size()], frames - start);
-        std::vector<Message> due;
-        for (Message message : messages)
-            if (message.frame >= start && message.frame < start + length) {
-                message.frame -= start;
-                due.push_back(message);
-            }
-        send(due);
+        send(messagesWithin(messages, start, start + length));
         process(length, sound);
         start += length;
     }

@@ -36,6 +36,9 @@ inline Message noteOff(int frame, int key)
     return {frame, {0x80, static_cast<std::uint8_t>(key), 0}};
 }
 
+// Those due in [start, end), counted from `start`.
+std::vector<Message> messagesWithin(const std::vector<Message>& messages, int start, int end);
+
 // First frame that is not silent, or the length.
 std::size_t firstSound(const Stereo& sound);
 double peakOf(const Stereo& sound, std::size_t from = 0);
