@@ -60,13 +60,6 @@ double rmsOf(const Stereo& s, std::size_t from)
     return std::sqrt(energyOf(s, from) / (2.0 * static_cast<double>(s.frames() - from)));
 }
 
-bool isFinite(const Stereo& s)
-{
-    const auto finite = [](float x) { return std::isfinite(x); };
-    return std::all_of(s.left.begin(), s.left.end(), finite) &&
-           std::all_of(s.right.begin(), s.right.end(), finite);
-}
-
 double snrDb(const Stereo& reference, const Stereo& other)
 {
     const double difference = energyOf(reference, 0, &other);

@@ -43,7 +43,6 @@ std::vector<Message> messagesWithin(const std::vector<Message>& messages, int st
 std::size_t firstSound(const Stereo& sound);
 double peakOf(const Stereo& sound, std::size_t from = 0);
 double rmsOf(const Stereo& sound, std::size_t from = 0);
-bool isFinite(const Stereo& sound);
 // Level of `reference` over the level of the difference; 300 for equal sounds.
 double snrDb(const Stereo& reference, const Stereo& other);
 

@@ -115,13 +115,12 @@ Numbers measure(const Stereo& sound)
     const std::size_t stride = frames / (kProbes + 1) / 2 * 2 + 1;
     for (std::size_t i = 1; i <= kProbes; ++i) {
         const std::vector<float>& channel = i % 2 == 0 ? sound.left : sound.right;
-        numbers.push_back(static_cast<double>(channel[std::min(i * stride, frames - 1)]));
+        numbers.push_back(channel[std::min(i * stride, frames - 1)]);
     }
     for (std::size_t i = 0; i < kStretches; ++i) {
         double sum = 0.0;
         for (std::size_t n = i * frames / kStretches; n < (i + 1) * frames / kStretches; ++n)
-            sum += std::pow(static_cast<double>(sound.left[n]), 2) +
-                   std::pow(static_cast<double>(sound.right[n]), 2);
+            sum += std::pow(sound.left[n], 2.0) + std::pow(sound.right[n], 2.0);
         numbers.push_back(std::sqrt(sum / static_cast<double>(frames) * kStretches / 2.0));
     }
     return numbers;
@@ -204,21 +203,14 @@ Difference differenceOf(const Numbers& stored, const Numbers& now)
     return difference;
 }
 
-std::vector<std::pair<std::string, Numbers>> measureAll()
-{
-    std::vector<std::pair<std::string, Numbers>> all;
-    for (const Case& c : kCases)
-        all.emplace_back(c.name, measure(play(c)));
-    for (const Case& c : effectTypes())
-        all.emplace_back(c.name, measure(play(c)));
-    return all;
-}
-
 } // namespace
 
 TEST(Golden, everyCaseSoundsAsStored)
 {
-    const auto all = measureAll();
+    std::vector<std::pair<std::string, Numbers>> all;
+    for (const std::vector<Case>& cases : {kCases, effectTypes()})
+        for (const Case& c : cases)
+            all.emplace_back(c.name, measure(play(c)));
     if (std::getenv("TOLM_STORE_GOLDEN") != nullptr) {
         writeStore(all);
         GTEST_SKIP() << "stored " << kFile;
