@@ -109,37 +109,22 @@ TEST_F(Matrix, everyDestinationHasItsEffect)
     start.wavePosition = {2048, 4096};
     start.fatAmount = {64, 128};
     start.lfoRate = {0.5, 0.6, 0.7};
-    start.amp.sustain = 0.1f;
+    start.amp = start.filter = start.mod = {0.1f, 0.2f, 0.3f, 0.4f};
     r.aftertouch = 0.5;
     const double a = 0.375, s = 0.5, square = a * a;
     const double t = a * s * 0.8;
-    const Destination table[] = {
+    std::vector<Destination> table = {
         {1, 37 * 64, [](M m) { return m.pitch; }},
         {2, 24, [](M m) { return m.pitch; }},
-        {3, a * s, [](M m) { return m.volume; }},
-        {4, a * s, [](M m) { return m.pan; }},
         {5, square * s, [](M m) { return m.cutoff; }},
         {6, square * s, [](M m) { return m.filterEnv; }},
         {7, 12, [](M m) { return m.detune; }},
-        {8, a * s, [](M m) { return m.oscMix; }},
         {9, 12, [](M m) { return m.pitch; }},
         {10, square * -0.5 * s, [](M m) { return m.cutoff; }},
         {11, 37 * 64, [](M m) { return m.oscPitch[0]; }},
         {12, 37 * 64, [](M m) { return m.oscPitch[1]; }},
-        {14, a * s, [](M m) { return m.ringMod; }},
         {15, 2048 + 512 * 37, [](M m) { return m.wavePosition[0]; }},
         {16, 4096 + 512 * 37, [](M m) { return m.wavePosition[1]; }},
-        {17, a * s, [](M m) { return m.amp.attack; }},
-        {18, a * s, [](M m) { return m.amp.decay; }},
-        {19, 0.1 + a * s, [](M m) { return m.amp.sustain; }},
-        {20, a * s, [](M m) { return m.amp.release; }},
-        {21, a * s, [](M m) { return m.filter.attack; }},
-        {22, a * s, [](M m) { return m.filter.decay; }},
-        {23, a * s, [](M m) { return m.filter.sustain; }},
-        {24, a * s, [](M m) { return m.filter.release; }},
-        {25, a * s, [](M m) { return m.pulseWidth; }},
-        {26, a * s, [](M m) { return m.resonance; }},
-        {27, 0.25 + a * s, [](M m) { return m.noiseLevel; }},
         {28, 1.0 + t * t, [](M m) { return m.lfo3Amp; }},
         {29, a * 0.8 * s, [](M m) { return m.pan; }},
         {30, 4.0 * a * s, [](M m) { return m.fmOn ? m.fm1 : -1.0; }},
@@ -147,34 +132,47 @@ TEST_F(Matrix, everyDestinationHasItsEffect)
         {34, 0.5 + a * s, [](M m) { return m.lfoRateModulated[0] ? m.lfoRate[0] : -1.0; }},
         {35, 0.6 + a * s, [](M m) { return m.lfoRateModulated[1] ? m.lfoRate[1] : -1.0; }},
         {36, 0.7 + a * s, [](M m) { return m.lfoRateModulated[2] ? m.lfoRate[2] : -1.0; }},
-        {37, 0.25 + a * s, [](M m) { return m.osc3Level; }},
         {38, 0.5 * square * s, [](M m) { return m.pulseWidth; }},
         {39, 32 * 37, [](M m) { return m.pitch; }},
-        {41, a * s, [](M m) { return m.comb; }},
         {42, square * -0.5 * s, [](M m) { return m.filterEnv; }},
         {47, 24, [](M m) { return m.oscPitch[0]; }},
         {48, 24, [](M m) { return m.oscPitch[1]; }},
         {49, 64 + 1536, [](M m) { return m.fatAmount[0]; }},
         {49, 1.001875, [](M m) { return m.fatFactor[0]; }},
         {50, 128 + 1536, [](M m) { return m.fatAmount[1]; }},
-        {51, 0.25 + a * s, [](M m) { return m.filterOffset; }},
         {52, a * s, [](M m) { return m.fmOn ? m.fm2 : -1.0; }},
         {53, 192, [](M m) { return m.keytrack[0]; }},
         {54, 192, [](M m) { return m.keytrack[1]; }},
         {55, square * s, [](M m) { return m.hardSpike ? -1.0 : m.spike; }},
-        {57, a * s, [](M m) { return m.mod.attack; }},
-        {58, a * s, [](M m) { return m.mod.decay; }},
-        {59, a * s, [](M m) { return m.mod.sustain; }},
-        {60, a * s, [](M m) { return m.mod.release; }},
         {85, square * s, [](M m) { return m.hardSpike ? m.spike : -1.0; }},
-        {86, 1.0 + a * s, [](M m) { return m.effectsSend; }},
         {88, 0.9, [](M m) { return m.levelExponent; }}, // 0.9375 meets its cap
-        {89, a * s, [](M m) { return m.noiseColour; }},
-        {90, 0.25 + a * s, [](M m) { return m.panSpread; }},
-        {91, a * s, [](M m) { return m.fmDepth; }},
-        {92, a * s, [](M m) { return m.filterKeytrack; }},
+        {91, a * s, [](M m) { return m.fmDepth; }},     // replaces the setting
         {93, 1.0, [](M m) { return m.oneShot; }},
     };
+    // What is simply added to.
+    using VM = VoiceModulation;
+    const std::pair<int, double VM::*> added[] = {
+        {3, &VM::volume},       {4, &VM::pan},
+        {8, &VM::oscMix},       {14, &VM::ringMod},
+        {25, &VM::pulseWidth},  {26, &VM::resonance},
+        {27, &VM::noiseLevel},  {37, &VM::osc3Level},
+        {41, &VM::comb},        {51, &VM::filterOffset},
+        {86, &VM::effectsSend}, {89, &VM::noiseColour},
+        {90, &VM::panSpread},   {92, &VM::filterKeytrack}};
+    for (const auto& [id, field] : added)
+        table.push_back({id, start.*field + a * s, [f = field](M m) { return m.*f; }});
+    using ES = EnvelopeSettings;
+    const std::tuple<int, ES VM::*, float ES::*> addedToEnvelopes[] = {
+        {17, &VM::amp, &ES::attack},     {18, &VM::amp, &ES::decay},
+        {19, &VM::amp, &ES::sustain},    {20, &VM::amp, &ES::release},
+        {21, &VM::filter, &ES::attack},  {22, &VM::filter, &ES::decay},
+        {23, &VM::filter, &ES::sustain}, {24, &VM::filter, &ES::release},
+        {57, &VM::mod, &ES::attack},     {58, &VM::mod, &ES::decay},
+        {59, &VM::mod, &ES::sustain},    {60, &VM::mod, &ES::release}};
+    for (const auto& [id, envelope, field] : addedToEnvelopes)
+        table.push_back({id, start.*envelope.*field + a * s,
+                         [e = envelope, f = field](M m) { return m.*e.*f; }});
+
     std::set<int> covered{0, 13, 32, 33, 43, 44, 45, 87, 46, 94, 95, 96}; // elsewhere in this file
     for (int id = kFirstAmountDestination; id < kFirstAmountDestination + kMatrixRows; ++id)
         covered.insert(id);
