@@ -34,12 +34,9 @@ protected:
 
     Arp()
     {
-        rig.set(kArpOn, 1.0f);
-        rig.set(kArpSync, 1.0f);
+        rig.set({{kArpOn, 1.0f}, {kArpSync, 1.0f}});
         rig.set(kArpRate, 0.51f); // int(20.01 * 0.51) = 10: 1/16
-        rig.set(kArpLength, 0.5f);
-        rig.set(kArpSwing, 0.5f);
-        rig.set(kArpRange, 0.0f);
+        rig.set({{kArpLength, 0.5f}, {kArpSwing, 0.5f}, {kArpRange, 0.0f}});
     }
 
     // A fresh start at a frame.
@@ -131,8 +128,7 @@ TEST_F(Arp, stepLengthFollowsTempoAndRate)
           Row{false, 0.0f, 120.0, kRate / 3.2}, Row{false, 1.0f, 120.0, kRate / 3200.0},
           Row{false, 0.9f, 120.0, kRate / (3.2 * std::pow(1000.0, double(0.9f)))}}) {
         SCOPED_TRACE(row.rate);
-        rig.set(kArpSync, row.sync ? 1.0f : 0.0f);
-        rig.set(kArpRate, row.rate);
+        rig.set({{kArpSync, row.sync ? 1.0f : 0.0f}, {kArpRate, row.rate}});
         rig.tempo = row.tempo;
         start(ArpMode::simple, {1, 0}, {}, {{60, 100}}, 3);
         EXPECT_EQ(play(tickFrame(3, row.tickFrames, 32) + 1, 8192, row.tickFrames),
@@ -150,8 +146,7 @@ TEST_F(Arp, lengthMovesRestsAndSwingMovesThirdSteps)
                            Row{0.0f, 0.0f, "0+60v100 1-60 40-60 40+64v100"},
                            Row{1.0f, 1.0f, "0+60v100 63-60 88-60 88+64v100"},
                            Row{0.25f, 0.75f, "0+60v100 16-60 76-60 76+64v100"}}) {
-        rig.set(kArpLength, row.length);
-        rig.set(kArpSwing, row.swing);
+        rig.set({{kArpLength, row.length}, {kArpSwing, row.swing}});
         start(ArpMode::simple, {1, 0, 5, kTieStep}, {}, {{60, 100}});
         EXPECT_EQ(play(at(120)), row.list);
     }

@@ -128,8 +128,7 @@ TEST(FilterEnvelope, yieldsTheLevelBeforeItsStep)
     // Seen through the cutoff: index = trunc((level + 0.25) * 2048), the sound is the reference's.
     ToneRig rig;
     rig.setFrom(kFilterAttack, {0.05f, 0.1f, 0.6f, 0.0f});
-    rig.set(kFilterCutoff, 0.25f);
-    rig.set(kFilterEnvAmount, 0.5f);
+    rig.set({{kFilterCutoff, 0.25f}, {kFilterEnvAmount, 0.5f}});
     rig.hold(48).osc1Phase = 0;
     ToneRig source;
     source.hold(48).osc1Phase = 0;

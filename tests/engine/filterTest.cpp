@@ -47,11 +47,8 @@ struct Setting {
 
 void setFilter(ToneRig& rig, const Setting& s)
 {
-    rig.set(kFilterType, static_cast<float>(s.type));
-    rig.set(kFilterCutoff, s.cutoff);
-    rig.set(kFilterResonance, s.resonance);
-    rig.set(kFilterOffset, s.offset);
-    rig.set(kOscMix, s.oscMix);
+    rig.set({{kFilterType, static_cast<float>(s.type)}, {kFilterCutoff, s.cutoff}});
+    rig.set({{kFilterResonance, s.resonance}, {kFilterOffset, s.offset}, {kOscMix, s.oscMix}});
 }
 
 // Measured gain of a type at harmonics of a low saw, in reference to what the open two-pole filter
@@ -196,11 +193,8 @@ TEST(Filter, everyTypeStaysBoundedThroughCutoffJumpsAtFullResonance)
     for (const double rate : {8000.0, 32000.0, 44100.0, 96000.0, 384000.0})
         for (int type = 0; type < 19; ++type) {
             ToneRig rig(rate);
-            rig.set(kOsc2Shape, shapeValue(0));
-            rig.set(kFilterType, static_cast<float>(type));
-            rig.set(kFilterResonance, 1.0f);
-            rig.set(kFilterOffset, 0.5f);
-            rig.set(kOscMix, 0.5f);
+            rig.set({{kOsc2Shape, shapeValue(0)}, {kFilterType, static_cast<float>(type)}});
+            rig.set({{kFilterResonance, 1.0f}, {kFilterOffset, 0.5f}, {kOscMix, 0.5f}});
             rig.set(kNoiseLevel, 1.0f);
             rig.hold(40);
             std::uint32_t dice = 12345u;
@@ -221,8 +215,7 @@ TEST(Filter, everyTypeStaysBoundedThroughCutoffJumpsAtFullResonance)
 TEST(Filter, keyTrackingMovesTheCutoff)
 {
     ToneRig tracked;
-    tracked.set(kFilterCutoff, 0.5f);
-    tracked.set(kFilterKeytrack, 1.0f);
+    tracked.set({{kFilterCutoff, 0.5f}, {kFilterKeytrack, 1.0f}});
     ToneRig plain;
     plain.set(kFilterCutoff, 0.5f + 60.0f * 0.06f / 12.0f); // 0.06 per octave of notes
     for (ToneRig* rig : {&tracked, &plain})

@@ -76,8 +76,7 @@ TEST(Lfo, tablesFollowShapeAndSkew)
         const double v = skew;
         const int high = static_cast<int>(2032.0 * v) + 8;
         const auto table = [&](int shape) -> const std::array<float, kTableSize + 1>& {
-            rig.set(kLfo1Shape, shapeValue(shape));
-            rig.set(kLfo1Skew, skew);
+            rig.set({{kLfo1Shape, shapeValue(shape)}, {kLfo1Skew, skew}});
             rig.render(1, 1);
             return rig.record().lfo[0].table;
         };
@@ -108,9 +107,7 @@ TEST(Lfo, fadesInByTheFrameFromTheNotesStart)
     ToneRig rig;
     rig.set(kLfo1Shape, shapeValue(1));
     rig.set(kLfo1Skew, 1.0f); // nearly always high
-    rig.set(kLfo1Reset, 1.0f);
-    rig.set(kLfo1Rate, 0.0f);
-    rig.set(kLfo1FadeIn, 0.5f);
+    rig.set({{kLfo1Reset, 1.0f}, {kLfo1Rate, 0.0f}, {kLfo1FadeIn, 0.5f}});
     const double fadeFrames = (0.01 * std::sqrt(1001.0) - 0.01) * kRate;
     rig.setRow(1, kFirstLfo, 47, 1.0); // 128 units at full depth
     rig.on(60);
@@ -154,8 +151,7 @@ TEST(Lfo, phasesRunInSilentSlotsWhileAnotherSoundsAndStandInSilence)
 TEST(Lfo, sampleAndHoldDrawsAtTheStartAndAtEveryWrap)
 {
     ToneRig rig;
-    rig.set(kLfo1Shape, 1.0f);
-    rig.set(kLfo1Reset, 1.0f);
+    rig.set({{kLfo1Shape, 1.0f}, {kLfo1Reset, 1.0f}});
     rig.set(kLfo1Rate, 1.0f); // 100 Hz: a wrap every 441 frames
     rig.on(60);
     rig.engine.seed(99u);

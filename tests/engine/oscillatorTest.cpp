@@ -110,10 +110,8 @@ constexpr Case kCases[] = {
 void setUp(ToneRig& rig, const Case& c, int osc)
 {
     const int stride = 5 * osc;
-    rig.set(kOsc1Shape + stride, shapeValue(c.shape));
-    rig.set(kOsc1Fat + stride, c.fat);
-    rig.set(kOsc1Wave + stride, c.wave);
-    rig.set(kPulseWidth, c.width);
+    rig.set({{kOsc1Shape + stride, shapeValue(c.shape)}, {kOsc1Fat + stride, c.fat}});
+    rig.set({{kOsc1Wave + stride, c.wave}, {kPulseWidth, c.width}});
     rig.set(kOscMix, static_cast<float>(osc));
 }
 
@@ -216,9 +214,7 @@ TEST(Oscillator, pitchesTrackKeysTuningAndWavesToTheUnit)
         for (std::size_t osc = 0; osc < 2; ++osc) {
             ToneRig rig;
             const int stride = static_cast<int>(osc) * 5;
-            rig.set(kOsc1Shape, 0.0f);
-            rig.set(kOsc2Shape, 0.0f);
-            rig.set(kOsc1Coarse + stride, t.coarse);
+            rig.set({{kOsc1Shape, 0.0f}, {kOsc2Shape, 0.0f}, {kOsc1Coarse + stride, t.coarse}});
             rig.set(kOsc1Fine + stride, t.fine);
             if (t.tracking < 2.0)
                 rig.setRow(1, kConst, 53 + static_cast<int>(osc), t.tracking);
@@ -246,10 +242,8 @@ TEST(Oscillator, oscillator3PlaysItsTablesAnOctaveBelowTheKey)
             SCOPED_TRACE(shape);
             ToneRig rig;
             setUp(rig, {1, 0.0f, 0.0f, 0.0f, key}, 1); // oscillator 2 is silent
-            rig.set(kOsc1Shape, shapeValue(3));
-            rig.set(kOsc1Wave, wave);
-            rig.set(kOsc3Shape, static_cast<float>(shape) / 2.0f);
-            rig.set(kOsc3Level, 0.5f);
+            rig.set({{kOsc1Shape, shapeValue(3)}, {kOsc1Wave, wave}});
+            rig.set({{kOsc3Shape, static_cast<float>(shape) / 2.0f}, {kOsc3Level, 0.5f}});
             std::uint32_t phase = rig.hold(key).osc3Phase = 99999999u;
             Model m;
             m.bits = 8;
@@ -267,13 +261,11 @@ TEST(Oscillator, mixAndRingModulationFollowTheirFormulaAndRampOverACall)
 {
     for (const auto& [mix, ring] : {std::pair{0.25f, 0.0f}, {0.5f, 1.0f}, {0.75f, 0.4f}}) {
         ToneRig rig;
-        rig.set(kOsc1Shape, shapeValue(2));
-        rig.set(kOsc2Shape, shapeValue(0));
+        rig.set({{kOsc1Shape, shapeValue(2)}, {kOsc2Shape, shapeValue(0)}});
         rig.set(kOsc2Coarse, 43.5f / 72.0f); // seven semitones up
         VoiceSlot& slot = rig.hold(60);
         rig.mix(64);
-        rig.set(kOscMix, mix);
-        rig.set(kRingMod, ring);
+        rig.set({{kOscMix, mix}, {kRingMod, ring}});
         Model a = plainModel(2, 60);
         Model b = plainModel(0, 67, 1);
         a.phase = slot.osc1Phase;
@@ -309,9 +301,7 @@ TEST(OscillatorFm, incrementsRunBackwardsButNeverStandStill)
     for (const int o1 : {1024, 512, 0, -512, -1024, -2048, -8192}) {
         for (const FmMode mode : {FmMode::feedback, FmMode::dual}) {
             ToneRig rig;
-            rig.set(kOsc1Coarse, 0.0f);
-            rig.set(kOsc2Coarse, 1.0f);
-            rig.set(kOscFm, 1.0f);
+            rig.set({{kOsc1Coarse, 0.0f}, {kOsc2Coarse, 1.0f}, {kOscFm, 1.0f}});
             rig.set(kFmMode, static_cast<float>(mode));
             VoiceSlot& slot = rig.hold(0);
             slot.osc1Phase = sawPhaseOf(o1);
@@ -336,12 +326,8 @@ TEST(OscillatorFm, bothPhaseModesFollowTheModelWithFeedback)
 {
     for (const FmMode mode : {FmMode::feedback, FmMode::dual}) {
         ToneRig rig;
-        rig.set(kOsc1Shape, shapeValue(2));
-        rig.set(kOsc2Shape, shapeValue(2));
-        rig.set(kOscMix, 1.0f);
-        rig.set(kOscFm, 0.02f);
-        rig.set(kFmFeedback, 0.15f);
-        rig.set(kFmMode, static_cast<float>(mode));
+        rig.set({{kOsc1Shape, shapeValue(2)}, {kOsc2Shape, shapeValue(2)}, {kOscMix, 1.0f}});
+        rig.set({{kOscFm, 0.02f}, {kFmFeedback, 0.15f}, {kFmMode, static_cast<float>(mode)}});
         VoiceSlot& slot = rig.hold(57);
         slot.osc1Phase = slot.osc2Phase = slot.osc2DualPhase = 0;
         Model a = plainModel(2, 57);
@@ -360,13 +346,9 @@ TEST(OscillatorFm, bothPhaseModesFollowTheModelWithFeedback)
 TEST(OscillatorFm, filterModeMovesTheCutoffAndLeavesThePhasesAlone)
 {
     ToneRig rig;
-    rig.set(kOsc1Shape, shapeValue(2));
-    rig.set(kOsc2Shape, shapeValue(2));
-    rig.set(kOsc2Coarse, 43.5f / 72.0f);
-    rig.set(kFilterCutoff, 0.5f);
-    rig.set(kOscFm, 0.001f);
-    rig.set(kFmFeedback, 0.3f);
-    rig.set(kFmMode, 2.0f);
+    rig.set({{kOsc1Shape, shapeValue(2)}, {kOsc2Shape, shapeValue(2)}});
+    rig.set({{kOsc2Coarse, 43.5f / 72.0f}, {kFilterCutoff, 0.5f}, {kOscFm, 0.001f}});
+    rig.set({{kFmFeedback, 0.3f}, {kFmMode, 2.0f}});
     VoiceSlot& slot = rig.hold(60);
     slot.osc1Phase = slot.osc2Phase = 0;
     Model a = plainModel(2, 60);
@@ -386,8 +368,7 @@ TEST(Oscillator, oneShotPlaysOneCycleFromItsStartUnlessSynced)
 {
     for (const bool sync : {false, true}) {
         ToneRig rig;
-        rig.set(kOscMix, 1.0f);
-        rig.set(kOscSync, sync ? 1.0f : 0.0f);
+        rig.set({{kOscMix, 1.0f}, {kOscSync, sync ? 1.0f : 0.0f}});
         rig.setRow(1, kConst, 93, 1.0);
         rig.slot().osc2Phase = 77777777u;
         rig.hold(60);
@@ -414,8 +395,7 @@ TEST(Oscillator, noiseTakesOneSeedPerFrameAndVoiceAndHasItsColour)
         SCOPED_TRACE(colour);
         ToneRig rig;
         setUp(rig, {1, 0.0f, 0.0f, 0.0f, 60}, 0); // a pulse of no width is silent
-        rig.set(kNoiseLevel, 0.5f);
-        rig.set(kNoiseColour, colour);
+        rig.set({{kNoiseLevel, 0.5f}, {kNoiseColour, colour}});
         rig.hold(60);
         rig.hold(64, 1);
         rig.record().noiseSeed = 4242u;
@@ -443,9 +423,7 @@ TEST(OscillatorSync, phaseRestartsAtTheFractionOfTheFrameLeft)
 {
     for (int shape : {0, 1, 2, 3}) {
         ToneRig rig;
-        rig.set(kOsc2Shape, shapeValue(shape));
-        rig.set(kOsc2Coarse, 0.75f);
-        rig.set(kOscSync, 1.0f);
+        rig.set({{kOsc2Shape, shapeValue(shape)}, {kOsc2Coarse, 0.75f}, {kOscSync, 1.0f}});
         VoiceSlot& slot = rig.hold(80);
         std::uint32_t first = slot.osc1Phase = 5u;
         std::uint32_t second = slot.osc2Phase = 123u;
@@ -473,8 +451,7 @@ TEST(OscillatorSync, aliasesLieFarBelowANaiveSync)
     for (int shape : {0, 1}) {
         ToneRig rig;
         setUp(rig, {shape, 0.0f, 0.0f, 0.3f, key}, 1);
-        rig.set(kOsc2Coarse, 43.5f / 72.0f);
-        rig.set(kOscSync, 1.0f);
+        rig.set({{kOsc2Coarse, 43.5f / 72.0f}, {kOscSync, 1.0f}});
         rig.hold(key);
         rig.mix(512);
         const std::vector<double> sound = rig.mix(32768);

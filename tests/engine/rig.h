@@ -32,6 +32,11 @@ public:
     }
 
     void set(int id, float value) { setParameter(id, value); }
+    void set(std::initializer_list<std::pair<int, float>> settings)
+    {
+        for (const auto& [id, value] : settings)
+            set(id, value);
+    }
     // Neighbouring ids, as the four of an envelope.
     void setFrom(int firstId, std::initializer_list<float> values)
     {

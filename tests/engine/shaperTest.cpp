@@ -14,8 +14,7 @@ constexpr int kFrames = 600;
 std::vector<double> shaped(int type, float offset)
 {
     ToneRig rig;
-    rig.set(kFilterType, static_cast<float>(type));
-    rig.set(kFilterOffset, offset);
+    rig.set({{kFilterType, static_cast<float>(type)}, {kFilterOffset, offset}});
     rig.hold(60).osc1Phase = 0;
     return rig.mix(kFrames);
 }
@@ -73,8 +72,7 @@ TEST(Shaper, followingHighpassStandsAtAMultipleOfThePitch)
         }
     }
     ToneRig low(8000.0); // the corner is held below the Nyquist frequency
-    low.set(kFilterType, 6.0f);
-    low.set(kFilterOffset, 1.0f);
+    low.set({{kFilterType, 6.0f}, {kFilterOffset, 1.0f}});
     low.hold(110);
     EXPECT_LT(peak(low.render(4000).left), 2.0);
 }
@@ -83,10 +81,8 @@ TEST(Shaper, saturationMixesTheDrivenLadderIn)
 {
     const auto play = [](int type, float offset) {
         ToneRig rig;
-        rig.set(kFilterType, static_cast<float>(type));
-        rig.set(kFilterOffset, offset);
-        rig.set(kFilterResonance, 0.7f);
-        rig.set(kFilterCutoff, 0.8f);
+        rig.set({{kFilterType, static_cast<float>(type)}, {kFilterOffset, offset}});
+        rig.set({{kFilterResonance, 0.7f}, {kFilterCutoff, 0.8f}});
         rig.hold(48).osc1Phase = 0;
         return rig.render(kFrames).left;
     };

@@ -16,9 +16,7 @@ protected:
     Voices() : r(rig.engine.record())
     {
         rig.set(kPolyphony, 0.0f); // eight voices
-        rig.set(kAmpAttack, 0.0f);
-        rig.set(kAmpRelease, 0.0f);
-        rig.set(kAmpSustain, 1.0f);
+        rig.set({{kAmpAttack, 0.0f}, {kAmpRelease, 0.0f}, {kAmpSustain, 1.0f}});
         rig.set(kFilterRelease, 0.0f);
     }
     void stack(int n) { rig.set(kVoices, (static_cast<float>(n) - 0.5f) * 18.0f / 128.0f); }
@@ -254,12 +252,10 @@ TEST_F(Voices, leavingMonoReleasesUnlessTheArpeggiatorPlays)
     EXPECT_TRUE(soundingKeys().empty());
     mono();
     rig.on(60);
-    rig.set(kArpOn, 1.0f);
-    rig.set(kMonoMode, 0.0f);
+    rig.set({{kArpOn, 1.0f}, {kMonoMode, 0.0f}});
     EXPECT_EQ(soundingKeys(), (Keys{60}));
     // Off again while it was off already: nothing ends.
-    rig.set(kArpOn, 0.0f);
-    rig.set(kMonoMode, 0.0f);
+    rig.set({{kArpOn, 0.0f}, {kMonoMode, 0.0f}});
     EXPECT_EQ(soundingKeys(), (Keys{60}));
 }
 
