@@ -21,7 +21,6 @@ namespace tolm::test {
 
 namespace {
 
-constexpr double kRateHz = 44100.0;
 constexpr int kFrames = 66150;
 constexpr int kProbes = 96;
 constexpr int kStretches = 12;
