@@ -205,15 +205,5 @@ TEST(ModEnvelope, sustainAboveTheLimitNeverDecaysAndReleaseOneNeither)
     EXPECT_EQ(rig.slot().mod.stage, EnvelopeStage::release);
 }
 
-TEST(ModEnvelope, standsStillWithoutARowThatReadsIt)
-{
-    ToneRig rig;
-    rig.setFrom(kModAttack, {0.2f, 0.2f, 0.5f, 0.2f});
-    rig.on(60);
-    rig.render(4096);
-    EXPECT_EQ(rig.slot().mod.level, 0.0f);
-    EXPECT_EQ(rig.slot().mod.stage, EnvelopeStage::attack);
-}
-
 } // namespace
 } // namespace tolm

@@ -1,10 +1,14 @@
-// The reverb's way from input to output, frame by frame, around its lines and early reflections,
-// which have tests of their own.
+// The reverb's way from input to output, frame by frame, around its early reflections, which have a
+// test of their own.
 
 #include "fx/FxReverb.h"
 #include "tests/fx/rig.h"
 
 #include <gtest/gtest.h>
+
+#include <bit>
+#include <optional>
+#include <span>
 
 namespace tolm {
 namespace {
@@ -57,6 +61,74 @@ struct PlainDiffuser {
     }
 };
 
+// The networks of lines, of which only lengths and output weights are the product's.
+class PlainLines {
+public:
+    PlainLines(int type, const ReverbLines& lines, const Settings& settings)
+        : mixed_(type == 1), damping_(0.5 + 0.5 * settings.damp)
+    {
+        const double seconds = 0.5 * std::pow(20.0, settings.decay);
+        const double setting = 0.15 * std::pow(1.0 / 0.15, settings.damp);
+        const auto lossOf = [&](int length) { return -3.0 * length / (kRate * seconds); };
+        if (mixed_)
+            for (const int length : lines.mixedLengths()) {
+                const double d = lossOf(length); // powers of ten on one way through the line
+                const double damped = d * std::log(10.0) / 4.0 * (1.0 - 1.0 / (setting * setting));
+                const double pole = std::min(0.92, damped);
+                add(length, std::pow(10.0, d) * (1.0 - pole) / 4.0, pole);
+            }
+        for (int i = 0; !mixed_ && i < 64; ++i) {
+            const int length = lines.longLengths()[static_cast<std::size_t>(i)];
+            add(length, damping_ * std::pow(10.0, lossOf(length)) * (i % 32 == 31 ? 0.8 : 1.0),
+                1.0 - damping_);
+        }
+        half_ = type == 2;
+        const std::span<const LineWeight> weights =
+            half_ ? std::span<const LineWeight>(kHalfWeights) : kParallelWeights;
+        for (const LineWeight& w : weights)
+            weights_[static_cast<std::size_t>(w.line)] = w;
+    }
+    void run(double x, double& left, double& right)
+    {
+        left = right = 0.0;
+        for (Line& line : lines_)
+            line.state = line.gain * line.cells[line.position] + line.pole * line.state;
+        for (std::size_t i = 0; i < lines_.size(); ++i) {
+            if (half_ && i % 2 == 0)
+                continue;
+            Line& line = lines_[i];
+            double out = line.state;
+            if (mixed_) {
+                out = 0.0; // entry (i, j) of the matrix: the parity of their common bits
+                for (std::size_t j = 0; j < 16; ++j)
+                    out += std::popcount(i & j) % 2 == 0 ? lines_[j].state : -lines_[j].state;
+            }
+            left += out * (mixed_ ? kMixedLeft[i] : weights_[i].left);
+            right += out * (mixed_ ? kMixedRight[i] : weights_[i].right);
+            const bool positive = half_ ? (i >> 1) % 2 == 0 : i % 2 == 1;
+            line.cells[line.position] = mixed_ ? out + x : positive ? out - x : x - out;
+            line.position = (line.position + 1) % line.cells.size();
+        }
+    }
+
+private:
+    struct Line {
+        std::vector<double> cells;
+        double gain, pole;
+        double state = 0.0;
+        std::size_t position = 0;
+    };
+    void add(int length, double gain, double pole)
+    {
+        lines_.push_back({std::vector<double>(static_cast<std::size_t>(length)), gain, pole});
+    }
+
+    bool mixed_, half_ = false;
+    double damping_;
+    std::vector<Line> lines_;
+    std::array<LineWeight, 64> weights_{};
+};
+
 class PlainReverb {
 public:
     PlainReverb(int type, const Settings& settings)
@@ -64,15 +136,16 @@ public:
           row_(kReverbTypes[static_cast<std::size_t>(type)]),
           low_(row_.inputCutoffHz, false),
           high_(10.0 * std::pow(100.0, settings.lowCut), true),
-          damping_(static_cast<float>(0.5 + 0.5 * settings.damp)),
           wet_(settings.amount * settings.amount),
           left_{type == 2 ? 293 : 257, 0.69},
           right_{type == 2 ? 293 : 251, 0.7}
     {
         Random random(3);
         lines_.resize(kRate);
-        lines_.setDecay(kRate, static_cast<float>(0.5 * std::pow(20.0, settings.decay)), damping_,
+        lines_.setDecay(kRate, static_cast<float>(0.5 * std::pow(20.0, settings.decay)),
+                        static_cast<float>(0.5 + 0.5 * settings.damp),
                         static_cast<float>(0.15 * std::pow(1.0 / 0.15, settings.damp)));
+        plain_.emplace(type, lines_, settings);
         // Drawn twice, as the settings come: with the type and with the pre-delay.
         early_.build(row_, kRate, 0, lines_.longLengths(), random);
         early_.build(row_, kRate, kPreDelay, lines_.longLengths(), random);
@@ -85,40 +158,31 @@ public:
         const double x = (double{inLeft} + double{inRight}) * share;
         const auto conditioned = static_cast<float>(high_.run(low_.run(x)));
         ring_.write(&conditioned, 1);
-        ReverbBuffer earlyLeft, earlyRight, tap{}, sumLeft{}, sumRight{};
+        ReverbBuffer earlyLeft, earlyRight;
+        double sumLeft, sumRight;
         early_.render(ring_, 1, earlyLeft, earlyRight);
-        tap[0] = *ring_.at(type_ == 2 ? early_.lastDiffuseDelay() - 521 - 54 + 1 : kPreDelay);
-        runLines(tap, sumLeft, sumRight);
+        const int delay = type_ == 2 ? early_.lastDiffuseDelay() - 521 - 54 + 1 : kPreDelay;
+        plain_->run(*ring_.at(delay), sumLeft, sumRight);
 
         const double sine = 0.999 * std::sin(2.0 * kPi * (phase_ >> 21) / 2048.0);
         phase_ += static_cast<std::uint32_t>(4294967296.0 / kRate * 0.5);
         const double level = type_ == 1 ? lines_.mixedLevel() : 1.0;
         const double tail = type_ == 1 ? 1.0 : 0.0625;
-        const double l = left_.run(sumLeft[0] * level, 2.0 * sine) * tail + earlyLeft[0];
-        history_.push_back(right_.run(sumRight[0] * level, 2.0 * sine) * tail + earlyRight[0]);
+        const double l = left_.run(sumLeft * level, 2.0 * sine) * tail + earlyLeft[0];
+        history_.push_back(right_.run(sumRight * level, 2.0 * sine) * tail + earlyRight[0]);
         const double r = history_[history_.size() - 1 - (type_ == 2 ? 0 : kSpread)];
         inLeft = static_cast<float>((1.0 - wet_) * inLeft + wet_ * l);
         inRight = static_cast<float>((1.0 - wet_) * inRight + wet_ * r);
     }
 
 private:
-    void runLines(const ReverbBuffer& tap, ReverbBuffer& left, ReverbBuffer& right)
-    {
-        if (type_ == 1)
-            lines_.runMixed(1, tap, left, right);
-        else if (type_ == 2)
-            lines_.runLong(kHalfWeights, damping_, 1, tap, left, right);
-        else
-            lines_.runLong(kParallelWeights, damping_, 1, tap, left, right);
-    }
-
     int type_;
     const ReverbRow& row_;
     PlainOnePole low_, high_;
-    float damping_;
     double wet_;
     PlainDiffuser left_, right_;
-    ReverbLines lines_;
+    ReverbLines lines_; // its lengths and its level
+    std::optional<PlainLines> plain_;
     EarlyReflections early_;
     InputRing ring_;
     std::uint32_t phase_ = 0;
