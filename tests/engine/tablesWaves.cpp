@@ -72,6 +72,28 @@ double loudness(const Spectrum& levels, double binHz)
     return std::sqrt(power);
 }
 
+// Level in dB around each of 24 harmonics of C3, once with and once without the harmonic itself
+// (what is between them makes a wave rough), down to 40 dB below the whole.
+std::array<double, 48> bandLevels(int wave)
+{
+    std::array<double, 48> bands{};
+    const Spectrum& levels = spectrum(wave, 0);
+    const double whole = loudness(levels, kC3Hz / cycles(wave));
+    const auto perNote = static_cast<std::size_t>(std::lround(cycles(wave)));
+    bands.fill(1e-4 * whole * whole);
+    for (std::size_t k = 1; k < levels.size(); ++k) {
+        const std::size_t number = (k + perNote / 2) / perNote;
+        if (number < 1 || number > 24)
+            continue;
+        bands[number - 1] += std::norm(levels[k]);
+        if (k % perNote != 0)
+            bands[number + 23] += std::norm(levels[k]);
+    }
+    for (double& band : bands)
+        band = 10.0 * std::log10(band);
+    return bands;
+}
+
 } // namespace
 
 TEST(Waves, holdNoOffsetAndNothingAboveTheLimitOfTheirOctave)
@@ -99,6 +121,21 @@ TEST(Waves, areEquallyLoudAndStaySoWhereTheNextOctaveTableTakesOver)
             EXPECT_NEAR(decibels(step), 0.0, 1.5) << "octave " << octave;
         }
     }
+}
+
+TEST(Waves, noTwoSoundAlike)
+{
+    std::vector<std::array<double, 48>> levels;
+    for (int wave = 0; wave < kWaveCount; ++wave)
+        levels.push_back(bandLevels(wave));
+    for (std::size_t a = 0; a < levels.size(); ++a)
+        for (std::size_t b = 0; b < a; ++b) {
+            double square = 0.0;
+            for (std::size_t i = 0; i < levels[a].size(); ++i)
+                square += std::pow(levels[a][i] - levels[b][i], 2.0);
+            EXPECT_GT(std::sqrt(square / static_cast<double>(levels[a].size())), 1.5)
+                << b << " and " << a;
+        }
 }
 
 TEST(Waves, partnerOfTheLastWaveIsItsCopy)
