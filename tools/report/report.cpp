@@ -21,7 +21,7 @@ namespace fs = std::filesystem;
 
 constexpr double kTailSeconds = 6.0;
 
-// "Glass Petals" -> "017-glass-rhodora"
+// "Glass Petals" -> "017-glass-petals"
 std::string stemOf(std::size_t index, std::string_view name)
 {
     char number[32];
