@@ -17,16 +17,16 @@
 namespace tolm {
 namespace {
 
-// Most stay below three; textures that stack voices for every key cost up to six.
-constexpr double kMostCostInMedians = 6.5;
+constexpr double kMostCostInMedians = 3.5; // three, and what times vary from run to run
+constexpr double kMostExcused = 0.1;       // of a category
 // In changes of velocity from 90 to 110.
 constexpr double kLeastDistance = 3.0;
 constexpr double kUsualDistance = 5.0;
-constexpr double kUsualShare = 0.6;
+constexpr double kUsualShare = 0.9;
 constexpr int kLeastDifferentParameters = 12;
 // Of thirteen categories; a guess would be right once in ten times.
-constexpr double kToldAtOnce = 0.55;
-constexpr double kToldAmongThree = 0.75;
+constexpr double kToldAtOnce = 0.75;
+constexpr double kToldAmongThree = 0.92;
 
 int categoryCalled(std::string_view name)
 {
@@ -105,6 +105,50 @@ TEST(FactoryRanges, mostPadsMove)
     EXPECT_GE(static_cast<double>(moving), 0.7 * static_cast<double>(depths.size()));
 }
 
+TEST(FactoryRanges, texturesAndEffectsMove)
+{
+    std::vector<double> all;
+    for (const StudiedSound& sound : factoryStudy().sounds)
+        all.push_back(sound.descriptors[Descriptor::flux]);
+    EXPECT_GT(medianOf(figuresOfCategory("Textures", Descriptor::flux)), medianOf(all));
+    EXPECT_GT(medianOf(figuresOfCategory("Sound Effects", Descriptor::flux)), medianOf(all));
+}
+
+TEST(FactoryRanges, drumsAreWhatTheirNamesSay)
+{
+    constexpr double kDarkest = 200.0;
+    constexpr double kBrightest = 4000.0;
+    int named = 0;
+    for (const StudiedSound& sound : factoryStudy().sounds) {
+        if (sound.category != categoryCalled("Drums"))
+            continue;
+        const double hz = sound.descriptors[Descriptor::centroid];
+        if (sound.name.ends_with(" Kick")) {
+            EXPECT_LT(hz, kDarkest) << sound.name;
+            ++named;
+        }
+        if (sound.name.ends_with(" Hat")) {
+            EXPECT_GT(hz, kBrightest) << sound.name;
+            ++named;
+        }
+    }
+    EXPECT_GE(named, 4);
+}
+
+TEST(FactoryRanges, exceptionsAreFew)
+{
+    for (const char* name : kCategoryNames) {
+        double excused = 0.0;
+        double count = 0.0;
+        for (const StudiedSound& sound : factoryStudy().sounds)
+            if (sound.category == categoryCalled(name)) {
+                count += 1.0;
+                excused += outsideOf(sound.category, sound.descriptors).empty() ? 0.0 : 1.0;
+            }
+        EXPECT_LE(excused, std::ceil(kMostExcused * count)) << name;
+    }
+}
+
 TEST(FactoryRanges, noProgramCostsFarMoreThanTheOthers)
 {
     for (const StudiedSound& sound : factoryStudy().sounds)
@@ -169,15 +213,15 @@ TEST(FactoryLikeness, noTwoProgramsAreSetTheSame)
         }
 }
 
-// Votes of the programs that sound most alike, the closer the more, by category.
-std::vector<int> categoriesLike(std::size_t index)
+// Votes of the programs whose figures are closest, the closer the more, by category.
+std::vector<int> categoriesLike(std::size_t index, const Likeness& characters)
 {
     constexpr std::size_t kVoters = 5;
     const BankStudy& study = factoryStudy();
     std::vector<std::pair<double, int>> others;
     for (std::size_t i = 0; i < study.sounds.size(); ++i)
         if (i != index)
-            others.emplace_back(study.likeness.distance(index, i), study.sounds[i].category);
+            others.emplace_back(characters.distance(index, i), study.sounds[i].category);
     const std::size_t voters = std::min(kVoters, others.size());
     std::partial_sort(others.begin(), others.begin() + static_cast<std::ptrdiff_t>(voters),
                       others.end());
@@ -195,10 +239,14 @@ std::vector<int> categoriesLike(std::size_t index)
 TEST(FactoryLikeness, categoriesCanBeToldByEar)
 {
     const auto& sounds = factoryStudy().sounds;
+    std::vector<Features> features;
+    for (const StudiedSound& sound : sounds)
+        features.push_back(characterOf(sound.descriptors));
+    const Likeness characters(std::move(features));
     double first = 0.0;
     double amongThree = 0.0;
     for (std::size_t i = 0; i < sounds.size(); ++i) {
-        const std::vector<int> likely = categoriesLike(i);
+        const std::vector<int> likely = categoriesLike(i, characters);
         const auto place =
             std::find(likely.begin(), likely.end(), sounds[i].category) - likely.begin();
         first += place == 0 ? 1.0 : 0.0;

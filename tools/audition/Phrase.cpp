@@ -20,10 +20,8 @@ struct CategoryRow {
 };
 
 constexpr LoudnessTarget kSteadyTarget{};
-constexpr LoudnessTarget kKeysTarget{LoudnessKind::wholePhrase, -18.0, 1.0, 3.0};
-constexpr LoudnessTarget kStruckTarget{LoudnessKind::wholePhrase, -18.0, 1.0, 5.0};
-constexpr LoudnessTarget kDrumTarget{LoudnessKind::momentary, -16.0, 2.0, 3.0};
-constexpr LoudnessTarget kEffectTarget{LoudnessKind::shortTerm, -18.0, 3.0, 3.0};
+constexpr LoudnessTarget kDrumTarget{LoudnessKind::momentary, -16.0, 2.0};
+constexpr LoudnessTarget kEffectTarget{LoudnessKind::shortTerm, -18.0, 3.0};
 constexpr int kSixKeys[] = {48, 55, 59, 64, 67, 52};
 
 // Key 60 is C4. Chord programs make a chord of every key, so their keys come one by one.
@@ -31,15 +29,15 @@ const CategoryRow kRows[] = {
     {{48, 52, 55, 59}, 2.0, 0.4, kSteadyTarget, 6},                // ---
     {{48, 52, 55}, 8.0, 0.0, kSteadyTarget, 4},                    // Arpeggiated
     {{28, 31, 33, 36}, 0.0, 0.8, kSteadyTarget, 2},                // Bass
-    {{48, 53, 55, 48}, 0.0, 1.0, kKeysTarget, 2},                  // Chords
+    {{48, 53, 55, 48}, 0.0, 1.0, kSteadyTarget, 2},                // Chords
     {{36, 36, 36, 36, 36, 36, 36, 36}, 0.0, 0.25, kDrumTarget, 1}, // Drums
-    {{48, 52, 55, 59}, 2.0, 0.4, kKeysTarget, 6},                  // Keyboards
+    {{48, 52, 55, 59}, 2.0, 0.4, kSteadyTarget, 6},                // Keyboards
     {{60, 64, 67, 72}, 0.0, 0.8, kSteadyTarget, 6},                // Leads
-    {{60, 64, 67, 72}, 0.0, 0.5, kStruckTarget, 6},                // Mallets
+    {{60, 64, 67, 72}, 0.0, 0.5, kSteadyTarget, 6},                // Mallets
     {{48, 52, 55, 59}, 8.0, 0.0, kSteadyTarget, 6},                // Pads
-    {{60, 64, 67, 72}, 0.0, 0.5, kStruckTarget, 6},                // Plucked
+    {{60, 64, 67, 72}, 0.0, 0.5, kSteadyTarget, 6},                // Plucked
     {{60}, 4.0, 0.0, kEffectTarget, 2},                            // Sound Effects
-    {{48, 52, 55, 59}, 2.0, 0.4, kKeysTarget, 6},                  // Synths
+    {{48, 52, 55, 59}, 2.0, 0.4, kSteadyTarget, 6},                // Synths
     {{48, 52, 55, 59}, 8.0, 0.0, kSteadyTarget, 6},                // Textures
     {{60, 64, 67, 72}, 0.0, 0.8, kSteadyTarget, 6},                // Wind
 };

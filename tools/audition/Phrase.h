@@ -22,18 +22,15 @@ struct Phrase {
 // Which figure of a rendering is held against the target.
 enum class LoudnessKind : std::uint8_t { wholePhrase, momentary, shortTerm };
 
-// How loud the programs of a category are meant to be with their phrase at velocity 100. Sounds
-// that decay may fall short by more: their strokes are as loud as their peaks allow, and the ear
-// hears the stroke where the measure averages over the whole note.
+// How loud the programs of a category are meant to be with their phrase at velocity 100.
 struct LoudnessTarget {
     LoudnessKind kind = LoudnessKind::wholePhrase;
     double lufs = -18.0;
-    double aboveLu = 1.0;
-    double belowLu = 1.0;
+    double withinLu = 1.0;
 
     bool accepts(double loudness) const
     {
-        return loudness >= lufs - belowLu && loudness <= lufs + aboveLu;
+        return loudness >= lufs - withinLu && loudness <= lufs + withinLu;
     }
 };
 

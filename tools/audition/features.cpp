@@ -134,6 +134,7 @@ Features featuresOf(const ProgramRecord& program, const Descriptors& descriptors
 Features characterOf(const Descriptors& d)
 {
     constexpr double kMostOnsets = 4.0; // per beat
+    constexpr double kFaintDb = -60.0;
     return {decades(d[D::centroid], 20.0),
             timeOf(d[D::attack] / 1000.0),
             timeOf(d[D::decay]),
@@ -143,7 +144,8 @@ Features characterOf(const Descriptors& d)
             widthOf(d),
             decades(d[D::modulation], 0.5),
             decades(d[D::flatness], 1e-7),
-            std::min(d[D::onsets], kMostOnsets)};
+            std::min(d[D::onsets], kMostOnsets),
+            std::clamp(d[D::levelAfter4s], kFaintDb, 0.0)};
 }
 
 Likeness::Likeness(std::vector<Features> bank)

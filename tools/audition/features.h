@@ -19,7 +19,7 @@ Features featuresOf(const ProgramRecord& program, const Descriptors& descriptors
                     int velocity = kAuditionVelocity);
 
 // What tells categories apart: brightness, attack, decay, release, harmonicity, low share, width,
-// modulation, flatness and onsets, of each category's own note and phrase.
+// modulation, flatness, onsets and the level at the end, of each category's own note and phrase.
 Features characterOf(const Descriptors& descriptors);
 
 struct Neighbour {

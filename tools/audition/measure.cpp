@@ -94,19 +94,19 @@ double meanOf(std::span<const float> piece)
     return sum / static_cast<double>(std::max(piece.size(), std::size_t{1}));
 }
 
-// What half of the pieces have at least: a struck low tone has a mean of its own at its onset.
+// The median over pieces: a struck low tone has a mean of its own at its onset, and a slow beat
+// one of either sign.
 double standingOffset(std::span<const float> signal)
 {
     constexpr std::size_t kPiece = kAuditionRateHz / 4;
     std::vector<double> offsets;
     std::size_t at = 0;
     do
-        offsets.push_back(
-            std::fabs(meanOf(signal.subspan(at, std::min(kPiece, signal.size() - at)))));
+        offsets.push_back(meanOf(signal.subspan(at, std::min(kPiece, signal.size() - at))));
     while ((at += kPiece / 2) + kPiece <= signal.size());
     const auto middle = offsets.begin() + std::ssize(offsets) / 2;
     std::nth_element(offsets.begin(), middle, offsets.end());
-    return *middle;
+    return std::fabs(*middle);
 }
 
 } // namespace

@@ -19,10 +19,8 @@ constexpr double kFree = kNever; // no limit on this side
 constexpr double kBrightnessForLevel = 10.0;
 
 const std::vector<AcceptedRange> kCommon = {
-    {D::peak, -60.0, -1.0},
-    {D::fade, -kFree, 10.0},
-    {D::monoLoss, -kFree, 3.0},
-    {D::velocityLevel, 2.0, kFree},
+    {D::peak, -60.0, -1.0},         {D::fade, -kFree, 10.0},    {D::monoLoss, -kFree, 3.0},
+    {D::velocityLevel, 2.0, kFree}, {D::offset, -kFree, -60.0},
 };
 
 // By category. A decay of kNever is a level that stays while the key is held.
@@ -31,7 +29,7 @@ const std::vector<AcceptedRange> kRows[] = {
     // Arpeggiated
     {{D::onsets, 2.0, kFree}, {D::release, -kFree, 2.0}},
     // Bass
-    {{D::centroid, 40.0, 900.0},
+    {{D::centroid, 60.0, 900.0},
      {D::attack, -kFree, 30.0},
      {D::decay, 0.3, kFree},
      {D::release, -kFree, 0.6},
@@ -40,21 +38,24 @@ const std::vector<AcceptedRange> kRows[] = {
      {D::lowWidth, -kFree, -15.0},
      {D::monoLoss, -kFree, 1.0}},
     // Chords
-    {{D::centroid, 300.0, 4000.0}, {D::attack, -kFree, 400.0}, {D::release, 0.03, 2.0}},
+    {{D::centroid, 300.0, 4000.0},
+     {D::attack, -kFree, 400.0},
+     {D::release, 0.1, 2.0},
+     {D::fundamentals, 3.0, kFree}},
     // Drums
-    {{D::attack, -kFree, 10.0}, {D::decay, 0.03, 1.2}, {D::release, -kFree, 1.0}},
+    {{D::attack, -kFree, 5.0}, {D::decay, 0.03, 1.2}, {D::release, -kFree, 1.0}},
     // Keyboards
-    {{D::centroid, 260.0, 3500.0},
+    {{D::centroid, 300.0, 3500.0},
      {D::attack, -kFree, 40.0},
      {D::decay, 0.8, kFree},
-     {D::release, -kFree, 1.0},
+     {D::release, 0.1, 1.0},
      {D::harmonicity, 0.75, kFree},
      {D::velocityBrightness, 15.0, kFree}},
     // Leads
-    {{D::centroid, 520.0, 5000.0},
+    {{D::centroid, 700.0, 5000.0},
      {D::attack, -kFree, 120.0},
      {D::decay, 1.0, kFree},
-     {D::release, 0.03, 1.2},
+     {D::release, 0.1, 1.2},
      {D::harmonicity, 0.7, kFree},
      {D::width, -kFree, -3.0}},
     // Mallets
@@ -64,38 +65,38 @@ const std::vector<AcceptedRange> kRows[] = {
      {D::harmonicity, 0.3, kFree},
      {D::levelAfter4s, -kFree, -40.0}},
     // Pads
-    {{D::centroid, 200.0, 3500.0},
-     {D::attack, 100.0, 3000.0},
+    {{D::centroid, 300.0, 3500.0},
+     {D::attack, 200.0, 3000.0},
      {D::decay, kNever, kNever},
      {D::release, 0.8, 6.0},
      {D::harmonicity, 0.5, kFree},
      {D::width, -12.0, 1.0}},
     // Plucked
-    {{D::centroid, 260.0, 4500.0},
+    {{D::centroid, 300.0, 4500.0},
      {D::attack, -kFree, 20.0},
      {D::decay, 0.15, 2.0},
-     {D::release, 0.03, 1.5},
+     {D::release, 0.1, 1.5},
      {D::harmonicity, 0.6, kFree},
      {D::brightnessFall, 30.0, kFree}},
     // Sound Effects
     {{D::release, -kFree, 10.0}},
     // Synths
     {{D::centroid, 400.0, 4500.0},
-     {D::attack, -kFree, 250.0},
-     {D::release, 0.03, 1.5},
+     {D::attack, 10.0, 250.0},
+     {D::release, 0.1, 1.5},
      {D::harmonicity, 0.6, kFree}},
     // Textures
     {{D::attack, 300.0, kFree},
      {D::decay, kNever, kNever},
      {D::release, 1.0, kFree},
-     {D::harmonicity, -kFree, 0.95},
+     {D::harmonicity, -kFree, 0.8},
      {D::fade, -kFree, 20.0}},
     // Wind
     {{D::centroid, 500.0, 3500.0},
-     {D::attack, 15.0, 250.0},
+     {D::attack, 30.0, 250.0},
      {D::decay, kNever, kNever},
      {D::release, 0.08, 0.6},
-     {D::harmonicity, 0.6, 0.9995},
+     {D::harmonicity, 0.6, 0.97},
      {D::breathBrightness, 1.0, kFree}},
 };
 static_assert(std::size(kRows) == std::size(kCategoryNames));
@@ -104,8 +105,8 @@ std::optional<AcceptedRange> rangeOf(int category, Descriptor descriptor)
 {
     if (descriptor == D::loudness) {
         const LoudnessTarget target = loudnessTarget(category);
-        return AcceptedRange{descriptor, target.lufs - target.belowLu,
-                             target.lufs + target.aboveLu};
+        return AcceptedRange{descriptor, target.lufs - target.withinLu,
+                             target.lufs + target.withinLu};
     }
     for (const auto ranges :
          {rangesOf(category), commonRanges()}) // a category's own rule is closer
