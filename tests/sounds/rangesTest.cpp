@@ -17,8 +17,8 @@
 namespace tolm {
 namespace {
 
-constexpr double kMostCostInMedians = 3.5; // three, and what times vary from run to run
-constexpr double kMostExcused = 0.1;       // of a category
+constexpr double kMostCostInMedians = 3.0;
+constexpr double kMostExcused = 0.1; // of a category
 // In changes of velocity from 90 to 110.
 constexpr double kLeastDistance = 3.0;
 constexpr double kUsualDistance = 5.0;
@@ -149,12 +149,17 @@ TEST(FactoryRanges, exceptionsAreFew)
     }
 }
 
+// What seems dear is measured again, for a busy machine makes any sound dear once.
 TEST(FactoryRanges, noProgramCostsFarMoreThanTheOthers)
 {
-    for (const StudiedSound& sound : factoryStudy().sounds)
-        EXPECT_LE(sound.descriptors.cpuNsPerFrame,
-                  kMostCostInMedians * factoryStudy().medianCpuNsPerFrame)
-            << sound.name;
+    constexpr int kMeasures = 5;
+    const double most = kMostCostInMedians * factoryStudy().medianCpuNsPerFrame;
+    for (std::size_t i = 0; i < factorySounds().size(); ++i) {
+        double cost = factoryStudy().sounds[i].descriptors.cpuNsPerFrame;
+        for (int again = 0; again < kMeasures && cost > most; ++again)
+            cost = std::min(cost, cpuNsPerFrameOf(factorySounds()[i].record));
+        EXPECT_LE(cost, most) << factoryStudy().sounds[i].name;
+    }
 }
 
 // Templates are where sounds begin, so they may resemble them.

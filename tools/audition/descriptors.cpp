@@ -148,14 +148,14 @@ void describeBreath(const ProgramRecord& program, const NoteRow& note, Descripto
                                  : 0.0;
 }
 
-double costOf(const ProgramRecord& program, int category)
+} // namespace
+
+double cpuNsPerFrameOf(const ProgramRecord& program)
 {
-    const std::size_t keys = category == kChords ? kTwoKeys : std::size(kEightKeys);
+    const std::size_t keys = categoryOf(program) == kChords ? kTwoKeys : std::size(kEightKeys);
     const Phrase phrase = heldKeys(std::span(kEightKeys).first(keys), kCostSeconds);
     return play(program, phrase, 0.0).cpuNsPerFrame;
 }
-
-} // namespace
 
 int categoryOf(const ProgramRecord& program)
 {
@@ -176,7 +176,7 @@ Descriptors describe(const ProgramRecord& program)
         describeBreath(program, note, d);
     const Rendering hardest = play(program, hardestPhrase(category), 0.0);
     d[D::peak] = figuresOf(hardest).peakDb;
-    d.cpuNsPerFrame = costOf(program, category);
+    d.cpuNsPerFrame = cpuNsPerFrameOf(program);
     return d;
 }
 

@@ -75,7 +75,7 @@ static_assert(std::size(kDescriptorColumns) == kDescriptorCount);
 
 struct Descriptors {
     std::array<double, kDescriptorCount> values{};
-    double cpuNsPerFrame = 0.0; // of eight notes, of two chords
+    double cpuNsPerFrame = 0.0; // see cpuNsPerFrameOf
 
     double& operator[](Descriptor d) { return values[static_cast<std::size_t>(d)]; }
     double operator[](Descriptor d) const { return values[static_cast<std::size_t>(d)]; }
@@ -85,6 +85,10 @@ struct Descriptors {
 // asks for and no column of all needs (breath, fundamentals) is measured only where it means
 // something and else 0.
 Descriptors describe(const ProgramRecord& program);
+
+// What eight held notes cost, or two of programs that make a chord of each; varies with whatever
+// else the machine does.
+double cpuNsPerFrameOf(const ProgramRecord& program);
 
 int categoryOf(const ProgramRecord& program);
 
