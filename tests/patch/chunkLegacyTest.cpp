@@ -38,9 +38,9 @@ Values repaired(const std::vector<float>& old)
     for (std::size_t i = 0; i < 258; ++i) // the matrix got twice its 16 rows
         v[i < 144 ? i : i < 192 ? i + (i / 16 - 8) * 16 : i + 64] = old[i];
     std::size_t on = 116;
-    for (const std::size_t level : {83, 88, 94, 100})
+    for (const std::size_t level : {83u, 88u, 94u, 100u})
         v[on++] = v[level] > 0;
-    for (const std::size_t gain : {104, 109})
+    for (const std::size_t gain : {104u, 109u})
         v[on++] = std::fabs(v[gain] - 0.5) > 0.001;
     v[96] = 0;
     for (std::size_t k = 0; k < 32; ++k) {
