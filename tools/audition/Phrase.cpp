@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <string_view>
 
 namespace tolm {
 namespace {
@@ -22,6 +23,10 @@ struct CategoryRow {
 constexpr LoudnessTarget kSteadyTarget{};
 constexpr LoudnessTarget kDrumTarget{LoudnessKind::momentary, -16.0, 2.0};
 constexpr LoudnessTarget kEffectTarget{LoudnessKind::shortTerm, -18.0, 3.0};
+constexpr double kLoudestStroke = -12.0;
+constexpr double kLoudestEffect = -8.0;
+constexpr int kSoundEffects = 10;
+static_assert(std::string_view(kCategoryNames[kSoundEffects]) == "Sound Effects");
 constexpr int kSixKeys[] = {48, 55, 59, 64, 67, 52};
 
 // Key 60 is C4. Chord programs make a chord of every key, so their keys come one by one.
@@ -77,6 +82,11 @@ Phrase categoryPhrase(int category, int velocity)
 LoudnessTarget loudnessTarget(int category)
 {
     return rowOf(category).target;
+}
+
+double loudestStroke(int category)
+{
+    return category == kSoundEffects ? kLoudestEffect : kLoudestStroke;
 }
 
 Phrase hardestPhrase(int category)

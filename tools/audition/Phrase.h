@@ -38,6 +38,8 @@ inline constexpr int kAuditionVelocity = 100;
 
 Phrase categoryPhrase(int category, int velocity = kAuditionVelocity);
 LoudnessTarget loudnessTarget(int category);
+// How loud the phrase may become at velocity 127, momentary LUFS.
+double loudestStroke(int category);
 // As many keys at velocity 127 as players of the category strike at once, 2 s.
 Phrase hardestPhrase(int category);
 // The keys together, from the start for `seconds`.

@@ -25,7 +25,7 @@ struct Solution {
     double loudness = 0.0;   // as stored so far
     double volume = 0.0;     // to be stored
     double reached = 0.0;    // loudness with it
-    bool heldByPeak = false; // quieter than its target, or its hardest phrase would clip
+    const char* heldBy = ""; // what keeps it quieter than its target, if anything
 };
 
 double measuredLoudness(const ProgramRecord& record)
@@ -42,15 +42,25 @@ double volumeChangedBy(double volume, double db)
     return std::round(exact * 1000.0) / 1000.0;
 }
 
-void limitPeak(ProgramRecord& record, Solution& solution)
+// Takes the volume back by what is too much, if it is.
+void limit(ProgramRecord& record, Solution& solution, double excessDb, const char* what)
 {
-    const double peakDb = figuresOf(play(record, hardestPhrase(categoryOf(record)), 0.0)).peakDb;
-    if (peakDb <= kPeakCeilingDb)
+    constexpr double kMarginDb = 0.1;
+    if (excessDb <= 0.0)
         return;
-    solution.heldByPeak = true;
-    solution.volume = volumeChangedBy(solution.volume, kPeakCeilingDb - 0.1 - peakDb);
+    solution.heldBy = what;
+    solution.volume = volumeChangedBy(solution.volume, -excessDb - kMarginDb);
     record.values[kVolume] = static_cast<float>(solution.volume);
     solution.reached = measuredLoudness(record);
+}
+
+void limitHardStrokes(ProgramRecord& record, Solution& solution)
+{
+    const int category = categoryOf(record);
+    const double peakDb = figuresOf(play(record, hardestPhrase(category), 0.0)).peakDb;
+    limit(record, solution, peakDb - kPeakCeilingDb, ", held by its peak");
+    const double loudest = loudnessOf(play(record, categoryPhrase(category, 127), 0.0)).momentary;
+    limit(record, solution, loudest - loudestStroke(category), ", held by its hardest stroke");
 }
 
 Solution solve(ProgramRecord record)
@@ -67,7 +77,7 @@ Solution solve(ProgramRecord record)
         record.values[kVolume] = static_cast<float>(solution.volume);
         solution.reached = measuredLoudness(record);
     }
-    limitPeak(record, solution);
+    limitHardStrokes(record, solution);
     return solution;
 }
 
@@ -122,8 +132,7 @@ void printSolution(const Sound& sound, const Solution& s)
     const LoudnessTarget target = loudnessTarget(categoryOf(sound.record));
     const bool off = !target.accepts(s.reached);
     std::printf("%-24s %7.2f -> %7.2f LUFS, volume %.3f%s%s\n", sound.record.name.data(),
-                s.loudness, s.reached, s.volume, s.heldByPeak ? ", held by its peak" : "",
-                off ? ", off target" : "");
+                s.loudness, s.reached, s.volume, s.heldBy, off ? ", off target" : "");
 }
 
 } // namespace
