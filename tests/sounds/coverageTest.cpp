@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <map>
 #include <set>
 #include <string>
@@ -185,6 +186,27 @@ TEST(FactoryCoverage, nothingRestsHalfwayOrRunsForNothing)
         EXPECT_FALSE(isOn(sound.record, distortion.on) &&
                      valueOf(sound.record, distortion.amount) == 0.0f);
     }
+}
+
+// Waves move by whole numbers, hundredths of the amount cut towards zero: -0.01 moves nothing.
+TEST(FactoryCoverage, everyRowThatMovesAWaveMovesIt)
+{
+    constexpr int kOsc1WaveRow = 15; // destinations
+    constexpr int kOsc2WaveRow = 16;
+    int rows = 0;
+    for (const Sound& sound : factorySounds())
+        for (int row = 0; row < kMatrixRows; ++row) {
+            const int destination = menuId(sound.record, kModDestination1 + row);
+            if (menuId(sound.record, kModSource1 + row) == kNone ||
+                (destination != kOsc1WaveRow && destination != kOsc2WaveRow))
+                continue;
+            ++rows;
+            const double amount =
+                2.0 * static_cast<double>(valueOf(sound.record, kModAmount1 + row)) - 1.0;
+            EXPECT_NE(std::trunc(amount * 100.0 + 0.001), 0.0)
+                << sound.record.name.data() << ", row " << row + 1;
+        }
+    EXPECT_GT(rows, 0);
 }
 
 // The steps and their grid; how loud they are is a program's own affair.
